@@ -1,0 +1,38 @@
+// Report and intermediate files whose loss is never silent.
+#pragma once
+
+#include <fstream>
+#include <string>
+
+namespace vort {
+
+// An output stream to a file. A file that cannot be opened, or that could not be written to its
+// end (a full disk), is told on standard error; what the program does about it is the caller's.
+class OutputFile {
+  public:
+    enum class Mode { kTruncate, kAppend };
+
+    OutputFile(std::string path, Mode mode);
+    ~OutputFile() { close(); }
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    bool is_open() const { return opened_; }
+    std::ostream& stream() { return stream_; }
+
+    template <typename T>
+    OutputFile& operator<<(const T& value) {
+        stream_ << value;
+        return *this;
+    }
+
+    // Safe to call twice.
+    void close();
+
+  private:
+    std::string path_;
+    std::ofstream stream_;
+    bool opened_;
+};
+
+}  // namespace vort

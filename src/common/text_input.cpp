@@ -1,0 +1,171 @@
+#include "common/text_input.h"
+
+#include <sys/stat.h>
+
+#include <charconv>
+#include <cstring>
+
+namespace vort {
+
+namespace {
+
+constexpr std::size_t kBlock = std::size_t{1} << 20;
+
+bool is_space(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool is_digit(int c) { return c >= '0' && c <= '9'; }
+
+bool is_directory(std::FILE* file) {
+    struct stat status {};
+    return ::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// from_chars takes no leading plus sign; stream extraction does.
+std::string_view without_plus(std::string_view text) {
+    return !text.empty() && text.front() == '+' ? text.substr(1) : text;
+}
+
+template <typename T>
+bool whole_number(std::string_view text, T& out) {
+    text = without_plus(text);
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), out);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+}  // namespace
+
+TextInput::TextInput(const std::string& path, const char* mode)
+    : file_(std::fopen(path.c_str(), mode)) {
+    if (file_ != nullptr && is_directory(file_.get())) file_.reset();
+    if (file_ == nullptr) return;
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0);  // the blocks below are the only buffer
+    buffer_.resize(kBlock);
+}
+
+// Keeps what is unread, at the front of the buffer, and reads on behind it.
+bool TextInput::refill() {
+    if (file_ == nullptr) return false;
+    std::memmove(buffer_.data(), buffer_.data() + next_, end_ - next_);
+    end_ -= next_;
+    next_ = 0;
+    if (end_ == buffer_.size()) buffer_.resize(2 * buffer_.size());
+    const std::size_t got = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
+    end_ += got;
+    return got > 0;
+}
+
+int TextInput::peek() {
+    if (next_ == end_ && !refill()) return EOF;
+    return static_cast<unsigned char>(buffer_[next_]);
+}
+
+int TextInput::get() {
+    const int c = peek();
+    if (c == EOF) {
+        at_end_ = true;
+    } else {
+        ++next_;
+        if (c == '\n') ++line_;
+    }
+    return c;
+}
+
+void TextInput::skip_space() {
+    while (is_space(peek())) get();
+}
+
+bool TextInput::start_item() {
+    if (good()) {
+        skip_space();
+        if (peek() != EOF) return true;
+        at_end_ = true;
+    }
+    failed_ = true;
+    return false;
+}
+
+bool TextInput::word(std::string& out) {
+    out.clear();
+    if (!start_item()) return false;
+    int c = peek();
+    while (c != EOF && !is_space(c)) {
+        out.push_back(static_cast<char>(c));
+        ++next_;
+        c = peek();
+    }
+    if (c == EOF) at_end_ = true;
+    return true;
+}
+
+// Takes the longest run of characters that can belong to a number, whether or not it is one.
+void TextInput::collect_number(bool floating) {
+    number_.clear();
+    bool point = false;
+    bool exponent = false;
+    bool digits = false;
+    for (int c = peek(); c != EOF; c = peek()) {
+        const bool after_exponent = exponent && (number_.back() == 'e' || number_.back() == 'E');
+        const bool sign = (c == '+' || c == '-') && (number_.empty() || after_exponent);
+        const bool first_point = floating && c == '.' && !point && !exponent;
+        const bool first_exponent = floating && (c == 'e' || c == 'E') && digits && !exponent;
+        if (!is_digit(c) && !sign && !first_point && !first_exponent) return;
+        digits = digits || is_digit(c);
+        point = point || first_point;
+        exponent = exponent || first_exponent;
+        number_.push_back(static_cast<char>(c));
+        ++next_;
+    }
+    at_end_ = true;
+}
+
+template <typename T>
+bool TextInput::integer(T& out) {
+    out = 0;
+    if (!start_item()) return false;
+    collect_number(false);
+    if (whole_number(number_, out)) return true;
+    out = 0;
+    failed_ = true;
+    return false;
+}
+
+template bool TextInput::integer(short& out);
+template bool TextInput::integer(int& out);
+
+bool TextInput::real(double& out) {
+    out = 0.0;
+    if (!start_item()) return false;
+    collect_number(true);
+    if (whole_number(number_, out)) return true;
+    out = 0.0;
+    failed_ = true;
+    return false;
+}
+
+bool TextInput::line(std::string_view& out) {
+    out = {};
+    if (!good()) {
+        failed_ = true;
+        return false;
+    }
+    std::size_t searched = 0;
+    for (;;) {
+        const char* begin = buffer_.data() + next_;
+        const std::size_t size = end_ - next_;
+        const void* found = std::memchr(begin + searched, '\n', size - searched);
+        if (found != nullptr) {
+            out = {begin, static_cast<std::size_t>(static_cast<const char*>(found) - begin)};
+            next_ += out.size() + 1;
+            ++line_;
+            return true;
+        }
+        searched = size;
+        if (!refill()) break;
+    }
+    out = {buffer_.data() + next_, end_ - next_};
+    next_ = end_;
+    at_end_ = true;
+    failed_ = out.empty();
+    return !failed_;
+}
+
+}  // namespace vort
