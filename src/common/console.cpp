@@ -54,7 +54,8 @@ class ConsoleBuffer : public std::streambuf {
     bool write_out() {
         const char* text = pbase();
         while (text < pptr() && !failed_) {
-            const ssize_t written = ::write(STDOUT_FILENO, text, static_cast<std::size_t>(pptr() - text));
+            const ssize_t written =
+                ::write(STDOUT_FILENO, text, static_cast<std::size_t>(pptr() - text));
             if (written >= 0) {
                 text += written;
             } else if (errno != EINTR) {

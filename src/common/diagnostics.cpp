@@ -45,7 +45,8 @@ void diagnose(std::string_view kind, std::string_view file, long line, const std
 void finish_diagnostics() {
     for (const KindCount& entry : counts()) {
         if (entry.count > kLinesOfAKind) {
-            std::cerr << "... and " << entry.count - kLinesOfAKind << " more " << entry.kind << '\n';
+            std::cerr << "... and " << entry.count - kLinesOfAKind << " more " << entry.kind
+                      << '\n';
         }
     }
     counts().clear();

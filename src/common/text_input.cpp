@@ -11,8 +11,12 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 20;
 
-bool is_space(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool is_digit(int c) { return c >= '0' && c <= '9'; }
+bool is_space(int c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool is_digit(int c) {
+    return c >= '0' && c <= '9';
+}
 
 bool is_directory(std::FILE* file) {
     struct stat status {};
@@ -48,7 +52,8 @@ bool TextInput::refill() {
     end_ -= next_;
     next_ = 0;
     if (end_ == buffer_.size()) buffer_.resize(2 * buffer_.size());
-    const std::size_t got = std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
+    const std::size_t got =
+        std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
     end_ += got;
     return got > 0;
 }

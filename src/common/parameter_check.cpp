@@ -1,0 +1,153 @@
+// What the readers of "parameter.txt" pass over in silence, said on standard error.
+#include <array>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "common/diagnostics.h"
+#include "common/parameter_file.h"
+
+namespace vort {
+
+namespace {
+
+enum class Expected { kText, kWholeNumber, kCount, kPositiveCount, kShare };
+
+struct KnownParameter {
+    Parameter parameter;
+    std::string_view name;
+    Expected expected;
+};
+
+constexpr std::array<KnownParameter, 11> kKnownParameters = {{
+    {Parameter::kInputFile, "Inputfile", Expected::kText},
+    {Parameter::kHead, "Head", Expected::kWholeNumber},
+    {Parameter::kRecorder, "Recorder_num", Expected::kWholeNumber},
+    {Parameter::kSampleSize, "Sample_size", Expected::kPositiveCount},
+    {Parameter::kMarkers, "Number_of_markers", Expected::kPositiveCount},
+    {Parameter::kMissingSymbol, "Symbol_of_missing_Gentype", Expected::kText},
+    {Parameter::kMaxRetain, "Max_retain", Expected::kCount},
+    {Parameter::kFdrCutoff, "FDR_cutoff_for_candidate_locus_combinations", Expected::kShare},
+    {Parameter::kPermutations, "Number_of_permutation", Expected::kCount},
+    {Parameter::kImputations, "How_many_imputation_to_deal_with_missing", Expected::kWholeNumber},
+    {Parameter::kBestM, "Best_m", Expected::kCount},
+}};
+
+const KnownParameter* known(Parameter parameter) {
+    for (const KnownParameter& row : kKnownParameters) {
+        if (row.parameter == parameter) return &row;
+    }
+    return nullptr;
+}
+
+std::string quoted(std::string_view text) {
+    return '"' + std::string(text) + '"';
+}
+
+void say(std::string_view kind, const ParameterEntry& entry, const std::string& text) {
+    diagnose(kind, kParameterFileName, entry.line, entry.name + ": " + text);
+}
+
+void check_name(const ParameterEntry& entry, const KnownParameter& row) {
+    if (entry.name == row.name) return;
+    say("unfamiliar parameter names", entry,
+        "no such parameter; its letters make it be taken as " + std::string(row.name));
+}
+
+void check_number(const ParameterEntry& entry) {
+    if (entry.whole_word) return;
+    if (entry.word.empty()) {
+        say("parameter values that are no number", entry, "a number was expected; 0 is used");
+    } else {
+        say("parameter values that are no number", entry,
+            "a number was expected, not " + quoted(entry.word) +
+                "; what is no number of it is read as the next name");
+    }
+}
+
+void check_range(const ParameterEntry& entry, Expected expected) {
+    const auto value = static_cast<double>(entry.value);
+    const bool whole = std::isfinite(value) && value == std::trunc(value);
+    if (expected == Expected::kShare) {
+        if (!(value > 0.0 && value <= 1.0)) {
+            say("parameter values out of range", entry,
+                "above 0 and at most 1 was expected, not " + entry.word + "; 0.75 is used");
+        }
+    } else if (!whole) {
+        say("parameter values with a fraction", entry,
+            "a whole number was expected, not " + entry.word +
+                "; it is cut, and rounded by the builder of base learners");
+    } else if (std::abs(value) >= 2147483648.0) {
+        say("parameter values out of range", entry, entry.word + " does not fit a whole number");
+    } else if (expected == Expected::kPositiveCount && value < 1.0) {
+        say("sizes out of range", entry, "at least 1 was expected, not " + entry.word);
+    } else if (expected == Expected::kCount && value < 0.0) {
+        say("sizes out of range", entry, "at least 0 was expected, not " + entry.word);
+    }
+}
+
+void check_text(const ParameterEntry& entry) {
+    if (entry.word.empty()) say("missing parameter values", entry, "a value was expected");
+    if (entry.text.size() < entry.word.size()) {
+        say("parameter values cut", entry,
+            "at most " + std::to_string(entry.text.size()) + " characters are kept");
+    }
+}
+
+void check_entry(const ParameterEntry& entry) {
+    const KnownParameter* row = known(parameter_of(entry.name));
+    if (row == nullptr) {
+        if (entry.is_text) return;
+        check_number(entry);
+        const Parameter parameter = parameter_of(entry.name);
+        if (parameter != Parameter::kUnknown) {
+            say("unfamiliar parameter names", entry,
+                parameter == Parameter::kIgnored
+                    ? "no such parameter; it is ignored"
+                    : "no such parameter; its letters make it be taken as Number_of_permutation");
+        }
+        return;
+    }
+    check_name(entry, *row);
+    if (entry.is_text) {
+        check_text(entry);
+    } else {
+        check_number(entry);
+        if (entry.whole_word) check_range(entry, row->expected);
+    }
+}
+
+void check_repeated(const std::vector<ParameterEntry>& entries, std::size_t i) {
+    const Parameter parameter = parameter_of(entries[i].name);
+    if (known(parameter) == nullptr) return;
+    for (std::size_t before = 0; before < i; ++before) {
+        if (parameter_of(entries[before].name) == parameter) {
+            say("parameters given twice", entries[i],
+                "given before in line " + std::to_string(entries[before].line) +
+                    "; the last value is used");
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+void diagnose_parameters(const ParameterFile& file) {
+    const std::vector<ParameterEntry> used = file.dispatched();
+    for (std::size_t i = 0; i < used.size(); ++i) {
+        check_entry(used[i]);
+        check_repeated(used, i);
+    }
+    for (std::size_t i = used.size(); i < file.entries.size(); ++i) {
+        if (file.entries[i].name.empty()) continue;
+        say("parameters ignored", file.entries[i],
+            "ignored, since names that start with no letter stand before it");
+    }
+    if (file.line_count > static_cast<int>(file.entries.size())) {
+        diagnose("parameters ignored", kParameterFileName, 0,
+                 std::to_string(file.line_count) + " lines, of which only the first " +
+                     std::to_string(file.entries.size()) + " are read");
+    }
+}
+
+}  // namespace vort

@@ -1,0 +1,197 @@
+#include "common/parameter_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "common/end_program.h"
+#include "common/number_text.h"
+#include "common/output_file.h"
+#include "common/text_input.h"
+
+namespace vort {
+
+namespace {
+
+constexpr int kWarnAboveLines = 15;
+constexpr int kMostEntries = 20;
+constexpr std::size_t kNameLength = 51;
+constexpr std::size_t kTextLength = 99;
+
+constexpr std::string_view kDefaultFile =
+    "Inputfile\t\t\t\t\tdat1.txt\n"
+    "Head\t\t\t\t\t\t\t1\n"
+    "Recorder_num\t\t\t\t\t1\n"
+    "Sample_size\t\t\t\t\t1033\n"
+    "Number_of_markers\t\t\t152\n"
+    "Symbol_of_missing_Gentype\t-1\n"
+    "Max_retain\t\t\t\t\t10\n"
+    "FDR_cutoff_for_candidate_locus_combinations\t0.75\n"
+    "Number_of_permutation\t\t200\n"
+    "How_many_imputation_to_deal_with_missing\t\t\t10\n"
+    "Best_m\t\t\t\t\t\t100\n";
+
+// A name means the first row whose letters it has; positions count from 1, 0 tests nothing.
+struct NameRule {
+    char second;
+    std::size_t position;
+    char letter;
+    Parameter parameter;
+};
+
+constexpr std::array<NameRule, 13> kNameRules = {{
+    {'a', 3, 'm', Parameter::kSampleSize},
+    {'a', 3, 'x', Parameter::kMaxRetain},
+    {'a', 0, 0, Parameter::kIgnored},
+    {'e', 3, 'a', Parameter::kHead},
+    {'e', 3, 'c', Parameter::kRecorder},
+    {'e', 0, 0, Parameter::kBestM},
+    {'n', 0, 0, Parameter::kInputFile},
+    {'o', 0, 0, Parameter::kImputations},
+    {'r', 0, 0, Parameter::kReplicates},
+    {'u', 11, 'p', Parameter::kPermutations},
+    {'u', 0, 0, Parameter::kMarkers},
+    {'y', 0, 0, Parameter::kMissingSymbol},
+    {'D', 0, 0, Parameter::kFdrCutoff},
+}};
+
+// 1-based; NUL past the name's end.
+char letter_at(std::string_view name, std::size_t position) {
+    return position <= name.size() ? name[position - 1] : '\0';
+}
+
+bool is_letter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+bool is_space(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// Line feeds that follow something other than a line feed, and a last line without one.
+int count_lines(std::string_view text) {
+    int lines = 0;
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == '\n' && text[i - 1] != '\n') ++lines;
+    }
+    if (!text.empty() && text.back() != '\n') ++lines;
+    return lines;
+}
+
+// Takes words and numbers off the front of the file's text.
+class EntryReader {
+  public:
+    explicit EntryReader(std::string_view text) : text_(text) {}
+
+    ParameterEntry next() {
+        ParameterEntry entry;
+        entry.name = next_word();
+        if (!entry.name.empty()) entry.line = line_;
+        next_ += entry.name.size();
+        entry.is_text = letter_at(entry.name, 1) == 'I' || letter_at(entry.name, 2) == 'y';
+        entry.word = next_word();
+        if (entry.is_text) {
+            next_ += entry.word.size();
+            entry.text = entry.word.substr(0, kTextLength);
+        } else {
+            read_number(entry);
+        }
+        entry.name.resize(std::min(entry.name.size(), kNameLength));
+        return entry;
+    }
+
+  private:
+    std::string next_word() {
+        while (next_ < text_.size() && is_space(text_[next_])) {
+            if (text_[next_++] == '\n') ++line_;
+        }
+        std::size_t end = next_;
+        while (end < text_.size() && !is_space(text_[end])) ++end;
+        return std::string(text_.substr(next_, end - next_));
+    }
+
+    // The longest part of the word that is a number; the rest stays to be the next word.
+    void read_number(ParameterEntry& entry) {
+        char* end = nullptr;
+        const float value = std::strtof(entry.word.c_str(), &end);
+        const auto used = static_cast<std::size_t>(end - entry.word.c_str());
+        if (used > 0) entry.value = value;
+        entry.whole_word = used > 0 && used == entry.word.size();
+        next_ += used;
+    }
+
+    std::string_view text_;
+    std::size_t next_ = 0;
+    long line_ = 1;
+};
+
+void write_default_file() {
+    OutputFile file{std::string(kParameterFileName), OutputFile::Mode::kTruncate};
+    if (!file.is_open()) {
+        std::cout << "Don't open parameter file\n";
+        end_program();
+    }
+    file << kDefaultFile;
+}
+
+}  // namespace
+
+std::vector<ParameterEntry> ParameterFile::dispatched() const {
+    return {entries.begin(), entries.begin() + letter_count};
+}
+
+std::optional<ParameterFile> read_parameter_file() {
+    TextInput input{std::string(kParameterFileName)};
+    if (!input.is_open()) {
+        std::cout << "Don't find parameter file use default value\n";
+        write_default_file();
+        return std::nullopt;
+    }
+    std::string text;
+    for (int c = input.get(); c != EOF; c = input.get()) text.push_back(static_cast<char>(c));
+
+    ParameterFile file;
+    file.line_count = count_lines(text);
+    if (file.line_count > kWarnAboveLines) {
+        std::cout << "There are too many line in parameter file to deal i=" << file.line_count
+                  << "\n               please delete those line for not use and line number "
+                     "don't more than 15.\n";
+    }
+    const int most = std::min(file.line_count, kMostEntries);
+    EntryReader reader(text);
+    while (static_cast<int>(file.entries.size()) < most) {
+        file.entries.push_back(reader.next());
+        if (is_letter(letter_at(file.entries.back().name, 1))) ++file.letter_count;
+    }
+    return file;
+}
+
+Parameter parameter_of(std::string_view name) {
+    for (const NameRule& rule : kNameRules) {
+        if (letter_at(name, 2) != rule.second) continue;
+        if (rule.position == 0 || letter_at(name, rule.position) == rule.letter) {
+            return rule.parameter;
+        }
+    }
+    return Parameter::kUnknown;
+}
+
+void print_needless_parameter(const ParameterEntry& entry, int letter_count) {
+    std::cout << "Find error,needless parameter! parametername=" << entry.name
+              << " parametervalue=" << fixed(static_cast<double>(entry.value))
+              << " k=" << letter_count << '\n';
+}
+
+int cut_to_int(float value) {
+    return truncated(static_cast<double>(value));
+}
+
+int rounded_to_int(float value) {
+    return truncated(std::round(static_cast<double>(value)));
+}
+
+}  // namespace vort

@@ -1,0 +1,117 @@
+// Genotype cells into risk groups: the two methods in use.
+//
+// A pair of markers has up to nine cells. cluster() orders them on one axis, the cell's mean of the
+// centred phenotype, and runs k-means there (Lloyd 1982): centres start evenly spread from the
+// highest mean down, and move to the mean of the individuals, not of the cells, in their group.
+// With means 0.5, 0.4 and -0.3 and two groups the centres start at 0.3 and -0.1 and end at the
+// mean of the first two cells' individuals and at -0.3. Ties go to the group with the lower
+// number; a group may end empty. At most 99 passes over at most nine cells.
+//
+// A single marker has three cells, and only a few sensible groupings. OneMarkerCluster() compares
+// four tests (carriers of two copies, alleles, carriers of none, all three cells) and groups as
+// the best of them sees the cells: dominant, recessive or apart.
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <vector>
+
+#include "common/end_program.h"
+#include "csm/csm.h"
+#include "csm/kmeans.h"
+#include "numeric/distributions.h"
+
+namespace vort {
+
+namespace {
+
+constexpr double kNoStatistic = 0.5;
+constexpr double kNoPvalue = 0.5;
+
+// One of the four tests of OneMarkerCluster.
+struct CellTest {
+    double statistic;
+    double pvalue;
+};
+
+// The proportions' difference, its variance estimated with the group sizes crossed (p2 by n1, p1
+// by n2), which is how the method weighs them.
+CellTest two_proportions(double p1, double p2, double n1, double n2) {
+    CellTest test{kNoStatistic, kNoPvalue};
+    if (p1 + p2 > 0) {
+        test.statistic = (1 / ((1 - p2) / n1 + (1 - p1) / n2) + 1 / (p2 / n1 + p1 / n2)) *
+                         ((p1 - p2) * (p1 - p2));
+    }
+    if (test.statistic > 0) test.pvalue = 1 - pchisq(1, test.statistic);
+    return test;
+}
+
+// The sum over all cells; a p-value of 2 where no cell counts, which no test is worse than.
+CellTest three_cells(const int* cases, const int* controls, double n1, double n2) {
+    CellTest test{0, 2};
+    for (int cell = 1; cell <= 3; ++cell) {
+        const double p1 = cases[cell] / n1;
+        const double p2 = controls[cell] / n2;
+        if (p1 + p2 > 0) test.statistic += ((p1 - p2) * (p1 - p2)) / (p2 / n1 + p1 / n2);
+    }
+    if (test.statistic > 0) test.pvalue = 1 - pchisq(2, test.statistic);
+    return test;
+}
+
+}  // namespace
+
+void CSM::OneMarkerCluster(double* /*sums*/, int* case_count, int* control_count,
+                           int* group_of_cell, int /*ncell*/, int g) {
+    if (g <= 1 || g >= 4) {
+        std::cout << "find error (nclass>3) when run OneMarkerCluster \n";
+        end_program();
+    }
+    const double n1 = case_num;
+    const double n2 = Sample_size - case_num;
+    const int* a = case_count;
+    const int* b = control_count;
+    const CellTest A = two_proportions(a[3] / n1, b[3] / n2, n1, n2);
+    const CellTest B =
+        two_proportions((2 * a[1] + a[2]) / (2 * n1), (2 * b[1] + b[2]) / (2 * n2), 2 * n1, 2 * n2);
+    const CellTest C = two_proportions(a[1] / n1, b[1] / n2, n1, n2);
+    const CellTest D = three_cells(a, b, n1, n2);
+
+    char best = 'A';
+    double best_pvalue = A.pvalue;
+    const auto compare = [&](char name, const CellTest& test) {
+        if (!(test.pvalue < best_pvalue)) return;
+        best = name;
+        best_pvalue = test.pvalue;
+    };
+    compare('B', B);
+    compare('C', C);
+    compare('D', D);
+
+    group_of_cell[1] = 1;
+    if (best == 'A' || best == 'C') {
+        group_of_cell[2] = best == 'A' ? 1 : 2;
+        group_of_cell[3] = 2;
+    } else if (g == 3) {
+        group_of_cell[2] = 2;
+        group_of_cell[3] = 3;
+    } else {
+        group_of_cell[2] = C.statistic < A.statistic ? 1 : 2;
+        group_of_cell[3] = 2;
+    }
+}
+
+void CSM::cluster(double* cell_sum, int* cell_count, int* group_of_cell, int ncell, int g) {
+    std::vector<double> mean(static_cast<std::size_t>(ncell) + 1);
+    for (int c = 1; c <= ncell; ++c) mean[c] = cell_count[c] < 1 ? 0 : cell_sum[c] / cell_count[c];
+    kmeans_on_a_line(mean, group_of_cell, g, [&](int j) {
+        double sum = 0;
+        int count = 0;
+        for (int c = 1; c <= ncell; ++c) {
+            if (group_of_cell[c] != j) continue;
+            sum += cell_sum[c];
+            count += cell_count[c];
+        }
+        return count == 0 ? 0.0 : sum / count;
+    });
+}
+
+}  // namespace vort

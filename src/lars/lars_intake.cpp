@@ -1,0 +1,167 @@
+// From file, or from the generator, to normalised data.
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iostream>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/diagnostics.h"
+#include "common/end_program.h"
+#include "common/number_text.h"
+#include "common/text_input.h"
+#include "lars/lars.h"
+#include "numeric/random.h"
+
+namespace vort {
+
+namespace {
+
+double mean_of(std::span<const double> values) {
+    double sum = 0.0;
+    for (const double value : values) sum += value;
+    return sum / static_cast<double>(values.size());
+}
+
+// The design matrix file, with its way to end the program.
+class DesignFile {
+  public:
+    explicit DesignFile(const char* path) : path_(path), input_(path_) {
+        if (input_.is_open()) return;
+        std::cout << "When open file " << path_ << ", find error\n";
+        end_program();
+    }
+
+    void skip_words(int count) {
+        std::string word;
+        for (int w = 0; w < count && input_.good(); ++w) input_.word(word);
+    }
+
+    // What is no number leaves a 0 and is found out by the next call.
+    double value() {
+        if (!input_.good()) {
+            std::cout << "find error input file=" << path_ << '\n';
+            end_program();
+        }
+        double number = 0.0;
+        if (!input_.real(number)) {
+            diagnose("design matrix values that are no numbers", path_, input_.line_number(),
+                     "expected a number; 0 is taken");
+        }
+        return number;
+    }
+
+  private:
+    std::string path_;
+    TextInput input_;
+};
+
+// Subtracts the mean; returns the length of what is left.
+double centre(std::span<double> values, double mean) {
+    double squares = 0.0;
+    for (double& value : values) {
+        value -= mean;
+        squares += value * value;
+    }
+    return std::sqrt(squares);
+}
+
+// The generator's own scaling, by the corrected sum of squares of the values as drawn.
+void standardise(std::span<double> values) {
+    double squares = 0.0;
+    for (const double value : values) squares += value * value;
+    const double mean = mean_of(values);
+    const auto n = static_cast<double>(values.size());
+    const double length = std::sqrt(squares - n * (mean * mean));
+    for (double& value : values) value = (value - mean) / length;
+}
+
+std::vector<double> draw_coefficients(int n_col) {
+    std::vector<double> b(static_cast<std::size_t>(std::min(1, n_col)));
+    std::cout << "\n model_var_number=" << b.size() << '\n';
+    for (std::size_t k = 0; k < b.size(); ++k) {
+        b[k] = 5.0 * rand2() - 2.5;
+        std::cout << "b[" << k << "]=" << fixed(b[k]) << '\n';
+    }
+    return b;
+}
+
+// Nineteen in twenty individuals respond to the model's own columns, smoothly and without sign;
+// the others linearly to columns drawn at random.
+double draw_response(std::span<const double> b, double** X, int n_col, int i) {
+    const double u = rand2();
+    double y = 1.05 * rand2();
+    if (u < 0.95) {
+        double model = 0.0;
+        for (std::size_t k = 0; k < b.size(); ++k) model += b[k] * X[k][i];
+        return y + std::exp(-(model * model));
+    }
+    for (const double coefficient : b) {
+        const long column = std::lround(static_cast<double>(n_col) * rand2());
+        y += coefficient * X[std::min<long>(column, n_col - 1)][i];
+    }
+    return y;
+}
+
+}  // namespace
+
+int LARS::ReadDatafromfile(double** X, double* Y, const char* file, int nrow) {
+    if (n_col_ == 0 || nrow == 0) return -1;
+    DesignFile input(file);
+    if (header_flag == 1) {
+        input.skip_words(1);
+        input.skip_words(n_col_ + 1);
+    }
+    for (int i = 0; i < nrow; ++i) {
+        if (row_label_flag == 1) input.skip_words(1);
+        Y[i] = input.value();
+        for (int j = 0; j < n_col_; ++j) X[j][i] = input.value();
+    }
+    return 0;
+}
+
+int LARS::lars_init(double** X, double* Y, int strict) {
+    const auto n = static_cast<std::size_t>(n_row_);
+    for (int j = 0; j < n_col_; ++j) {
+        const std::span<double> column(X[j], n);
+        const double mean = mean_of(column);
+        std::cout << "i=" << j + 1 << "\nmean=" << fixed(mean) << '\n';
+        const double length = centre(column, mean);
+        std::cout << "Varance=" << fixed(length) << '\n';
+        if (length > 0.0) {
+            for (double& value : column) value /= length;
+        } else if (strict != 0) {
+            std::cout << "There are some error for variable X_T[" << j
+                      << "], all coordinate value are zero or one!\n";
+            return -1;
+        }
+    }
+    const std::span<double> response(Y, n);
+    const double mean = mean_of(response);
+    const auto above =
+        std::count_if(response.begin(), response.end(), [](double y) { return y > 0.0; });
+    std::cout << "Y >0 count=" << above << " mean=" << general(mean) << '\n';
+    for (double& y : response) y -= mean;
+    return 0;
+}
+
+int LARS::GenerateModelData(double** X, double* Y) {
+    const std::vector<double> b = draw_coefficients(n_col_);
+    const auto n = static_cast<std::size_t>(n_row_);
+    for (int j = 0; j < n_col_; ++j) {
+        const std::span<double> column(X[j], n);
+        for (double& value : column) value = rand2();
+        standardise(column);
+    }
+    for (int i = 0; i < n_row_; ++i) Y[i] = draw_response(b, X, n_col_, i);
+    standardise(std::span<double>(Y, n));
+
+    double squares = 0.0;
+    for (const double coefficient : b) squares += coefficient * coefficient;
+    std::cout << "Ratio of Information and Noise = " << general(squares / (1.05 * 1.05)) << '\n';
+    return 0;
+}
+
+}  // namespace vort

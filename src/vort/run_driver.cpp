@@ -1,0 +1,160 @@
+#include "vort/run_driver.h"
+
+#include <algorithm>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <vector>
+
+#include "common/diagnostics.h"
+#include "common/end_program.h"
+#include "common/memory_check.h"
+#include "common/output_file.h"
+#include "common/parameter_file.h"
+#include "ensemble/globals.h"
+#include "ensemble/replication_driver.h"
+#include "numeric/random.h"
+#include "screening/genotype_data.h"
+#include "screening/globals.h"
+#include "screening/screening.h"
+#include "screening/snp_index.h"
+#include "vort/parameter_readers.h"
+
+namespace vort {
+
+namespace {
+
+// A table of rows of their own, as the stages take it.
+template <typename T>
+class RowTable {
+  public:
+    RowTable(int rows, int columns) {
+        for (int r = 0; r < rows; ++r) {
+            storage_.emplace_back(std::make_unique<T[]>(static_cast<std::size_t>(columns)));
+            rows_.push_back(storage_.back().get());
+        }
+    }
+    T* operator[](int row) { return rows_[row]; }
+    T** rows() { return rows_.data(); }
+
+  private:
+    std::vector<std::unique_ptr<T[]>> storage_;
+    std::vector<T*> rows_;
+};
+
+// What each data set leaves: its ranking of all markers, and the phenotypes that gave it.
+struct DataSets {
+    RowTable<int> rankings;
+    RowTable<short> phenotypes;
+
+    void keep_phenotypes(int row) { std::copy_n(Y, Sample, phenotypes[row]); }
+};
+
+void read_parameters() {
+    ReadPara_gw_vort3(&Sample, &Marker, &Permutation, &missingrepeat1, &head, &record,
+                      &Save_marker_length, inputfilename);
+}
+
+void check_sizes() {
+    if (Sample < 1 || Marker < 0 || Permutation < 0) {
+        diagnose("sizes that cannot be", kParameterFileName, 0,
+                 "Sample_size " + std::to_string(Sample) + ", Number_of_markers " +
+                     std::to_string(Marker) + " and Number_of_permutation " +
+                     std::to_string(Permutation) +
+                     " cannot be analysed: at least 1, 0 and 0 were expected");
+        end_program();
+    }
+    const double genotypes = static_cast<double>(Sample) * Marker;
+    const double tables = (Permutation + 1.0) * (4.0 * Marker + 2.0 * Sample);
+    require_memory(genotypes + tables,
+                   std::to_string(Sample) + " individuals (Sample_size), " +
+                       std::to_string(Marker) + " markers (Number_of_markers) and " +
+                       std::to_string(Permutation) + " permutations (Number_of_permutation)");
+}
+
+// Each permutation shuffles the phenotypes of the one before.
+void screen_data_set(DataSets& data) {
+    orginal_data = 1;
+    for (int r = 0; r < Replication; ++r) {
+        single_marker_test_five_model_drop_missing_diseasemarker1(data.rankings[r]);
+        data.keep_phenotypes(r);
+    }
+    orginal_data = 0;
+    for (int row = Replication; row < Replication + Permutation; ++row) {
+        permutation1(Y, Sample);
+        single_marker_test_five_model_drop_missing_diseasemarker1(data.rankings[row]);
+        data.keep_phenotypes(row);
+    }
+}
+
+void screen_prepared_files(DataSets& data) {
+    for (int row = 0; row < Replication + Permutation; ++row) {
+        single_marker_test_five_model_drop_missing_diseasemarker_exist_prepare(data.rankings[row],
+                                                                               row);
+        data.keep_phenotypes(row);
+    }
+}
+
+// `list` holds 1-based ranks, the ranking 0-based columns. findSNPname takes its number as a line
+// of the marker table, so the name and chromosome are those of the line before the marker's own.
+void append_marker_names(const int* list, int count, const int* ranking) {
+    OutputFile report("Final_result.txt", OutputFile::Mode::kAppend);
+    if (count <= 0 || list == nullptr) return;
+    for (int i = 0; list[i] > 0; ++i) {
+        const int m = ranking[list[i] - 1];
+        int chromosome = 0;
+        int locus = 0;
+        return_chromosome_and_locus(m, &chromosome, &locus);
+        const char* name = findSNPname(m, &chromosome, &locus);
+        report << "\n\nMarker \t" << list[i] << "\t name = " << name
+               << "\t Chromosome= " << chromosome;
+    }
+}
+
+void remove_intermediate_files() {
+    std::error_code ignored;
+    std::filesystem::remove("beta.txt", ignored);
+    std::filesystem::remove("output_X_Y.txt", ignored);
+}
+
+}  // namespace
+
+int gethostname() {
+    static char no_prefix[] = "";
+    hostname = no_prefix;
+    return 0;
+}
+
+int* main_vort3(int individuals, int markers, char** genotypes, short** phenotypes, int** rankings,
+                int permutations, int replications, int* count) {
+    gethostname();
+    int unused_head = 0;
+    int unused_record = 0;
+    ReadPara(&ns, &nm, &missingrepeat, &unused_head, &unused_record);
+    return permutation_simulation1(individuals, markers, genotypes, phenotypes, rankings,
+                                   permutations, replications, count);
+}
+
+int run_analysis() {
+    const std::time_t start = std::time(nullptr);
+    read_parameters();
+    check_sizes();
+    DataSets data{{Permutation + 1, Marker}, {Replication + Permutation, Sample}};
+    if (direct_calculate == 1) {
+        screen_data_set(data);
+    } else {
+        screen_prepared_files(data);
+    }
+    int count = 0;
+    const std::unique_ptr<int[]> selected(main_vort3(Sample, Marker, X, data.phenotypes.rows(),
+                                                     data.rankings.rows(), Permutation, Replication,
+                                                     &count));
+    append_marker_names(selected.get(), count, data.rankings[0]);
+    release_data_set();
+    remove_intermediate_files();
+    std::cout << "Total time=" << static_cast<long>(std::time(nullptr) - start) << '\n';
+    return 0;
+}
+
+}  // namespace vort
