@@ -1,5 +1,12 @@
+// Six digits of a number below 1 are most of what the console shows, so they have a way of their
+// own: the number times a power of ten that is exact in a double is off by one part in 2^53, hence,
+// unless it comes out within that of a half, rounding it gives the six digits of the exact
+// value. The rare cases near a half, and all other numbers, go the library's way.
+//
+//     0.00516301...  x 10^8 = 516301.08...  ->  "516301"  ->  "0.00516301"
 #include "common/number_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -17,14 +24,73 @@ double printable(double value) {
     return std::isnan(value) ? std::copysign(kPrintedNan, -1.0) : value;
 }
 
+constexpr int kDigits = 6;
+
+// Zeros between the point and the first digit of a value from 0.00001 up to, not including, 1; -1
+// outside.
+int leading_zeros(double value) {
+    constexpr double kFrom[] = {0.1, 0.01, 0.001, 0.0001, 0.00001};
+    if (!(value < 1)) return -1;
+    for (int zeros = 0; zeros < 5; ++zeros) {
+        if (value >= kFrom[zeros]) return zeros;
+    }
+    return -1;
+}
+
+// Six digits of `value` as a number from 100000 to 1000000; 0 where they are not sure.
+int six_digits(double value, int zeros) {
+    constexpr double kPower[] = {1e6, 1e7, 1e8, 1e9, 1e10};
+    constexpr double kUnsure = 1e-6;
+    const double scaled = value * kPower[zeros];
+    const int below = static_cast<int>(scaled);
+    const double rest = scaled - below;
+    if (std::abs(rest - 0.5) < kUnsure) return 0;
+    return below + (rest > 0.5 ? 1 : 0);
+}
+
+char* write_digits(int digits, char* out) {
+    for (int i = kDigits - 1; i >= 0; --i) {
+        out[i] = static_cast<char>('0' + digits % 10);
+        digits /= 10;
+    }
+    char* end = out + kDigits;
+    while (end[-1] == '0') --end;
+    return end;
+}
+
+char* write_below_one(int digits, int zeros, char* out) {
+    if (zeros == 4) {  // 0.00001234 is written as 1.234e-05
+        char* end = write_digits(digits, out + 1);
+        out[0] = out[1];
+        out[1] = '.';
+        if (end == out + 2) --end;
+        return std::copy_n("e-05", 4, end);
+    }
+    out = std::copy_n("0.000", 2 + zeros, out);
+    return write_digits(digits, out);
+}
+
 }  // namespace
+
+char* write_general(double value, char* out) {
+    int zeros = leading_zeros(value);
+    if (zeros >= 0) {
+        int digits = six_digits(value, zeros);
+        if (digits == 1000000) {  // 0.0999999999 is 0.1
+            digits = 100000;
+            --zeros;
+        }
+        if (digits > 0 && zeros >= 0) return write_below_one(digits, zeros, out);
+    }
+    return std::to_chars(out, out + kGeneralLength, printable(value), std::chars_format::general,
+                         kDigits)
+        .ptr;
+}
 
 NumberText general(double value) {
     NumberText number;
     char* begin = number.text_.data();
-    const auto end = std::to_chars(begin, begin + number.text_.size(), printable(value),
-                                   std::chars_format::general, 6);
-    number.size_ = static_cast<std::size_t>(end.ptr - begin);
+    number.size_ = static_cast<std::size_t>(write_general(value, begin) - begin);
     return number;
 }
 

@@ -34,6 +34,10 @@ class NumberText {
 // Six significant digits in the shorter of fixed and scientific notation ("%g").
 NumberText general(double value);
 
+// The same into out[0 ..], which has room for kGeneralLength characters; returns the end.
+constexpr std::size_t kGeneralLength = 24;
+char* write_general(double value, char* out);
+
 // `precision` digits after the point, padded on the left to `width` characters ("%*.*f").
 // precision 0..13, width 0..335.
 NumberText fixed(double value, int precision = 6, int width = 0);

@@ -20,6 +20,13 @@ constexpr int kListedWithoutFinding = 50;
 using Locate = int (*)(int, int*, int*);
 using FindName = const char* (*)(int, int*, int*);
 
+// 1-based marker numbers in ascending order of their p-values, elements 1 .. Marker.
+std::vector<int> order_by_pvalue(std::vector<double> pvalue) {
+    std::vector<int> order(pvalue.size());
+    Quickindex(pvalue.data(), order.data(), Marker);
+    return order;
+}
+
 // One list of markers; `model_of` names the model that gave a marker's p-value.
 template <typename ModelOf>
 void write_list(std::ostream& out, const std::vector<double>& pvalue, const std::vector<int>& order,
@@ -43,12 +50,6 @@ void write_heading(std::ostream& out, int model, int count) {
 }
 
 }  // namespace
-
-std::vector<int> order_by_pvalue(const std::vector<double>& pvalue) {
-    std::vector<int> order(pvalue.size());
-    Quickindex(const_cast<double*>(pvalue.data()), order.data(), Marker);
-    return order;
-}
 
 int false_discovery_count(const std::vector<double>& pvalue, const std::vector<int>& order,
                           double level, double divisor) {

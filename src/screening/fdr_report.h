@@ -9,10 +9,6 @@
 
 namespace vort {
 
-// 1-based marker numbers in ascending order of their p-values, elements 1 .. Marker; pvalue is
-// indexed from 1 too.
-std::vector<int> order_by_pvalue(const std::vector<double>& pvalue);
-
 // The Benjamini-Hochberg count: the largest k whose k-th smallest p-value is at most
 // k * level / divisor / Marker, 0 where there is none. divisor 1 leaves the level as it is.
 int false_discovery_count(const std::vector<double>& pvalue, const std::vector<int>& order,

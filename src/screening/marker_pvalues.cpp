@@ -7,16 +7,6 @@ namespace vort {
 
 namespace {
 
-struct MissingLimits {
-    int cases;
-    int controls;
-};
-
-MissingLimits missing_limits() {
-    return {static_cast<int>(samplesize[1] * not_over_missing_marker_drop_ratio),
-            static_cast<int>(samplesize[0] * not_over_missing_marker_drop_ratio)};
-}
-
 void drop_marker(MarkerPvalues& all, double pvalue[kModels]) {
     ++all.dropped;
     for (int model = 0; model < kModels; ++model) {
@@ -36,7 +26,20 @@ void store_minimum(MarkerPvalues& all, int k) {
     }
 }
 
+std::vector<Finding> findings(const std::vector<double>& pvalue, double largest) {
+    std::vector<Finding> found;
+    for (int k = 1; k <= Marker; ++k) {
+        if (pvalue[k] <= largest) found.push_back({k, pvalue[k]});
+    }
+    return found;
+}
+
 }  // namespace
+
+MissingLimits missing_limits() {
+    return {static_cast<int>(samplesize[1] * not_over_missing_marker_drop_ratio),
+            static_cast<int>(samplesize[0] * not_over_missing_marker_drop_ratio)};
+}
 
 MarkerPvalues test_all_markers() {
     MarkerPvalues all;
@@ -57,6 +60,18 @@ MarkerPvalues test_all_markers() {
         store_minimum(all, j + 1);
     }
     return all;
+}
+
+ScreeningResult result_of(const MarkerPvalues& all) {
+    ScreeningResult result;
+    for (int model = 0; model < kModels; ++model) {
+        result.significant[model] = findings(all.model[model], kSignificant);
+    }
+    result.minimum_significant = findings(all.minimum, kMinimumSignificant);
+    result.dropped = all.dropped;
+    result.dropped_significant = all.dropped_significant;
+    for (int k = 1; k <= Marker; ++k) result.minimum.push_back({all.minimum[k], k});
+    return result;
 }
 
 }  // namespace vort

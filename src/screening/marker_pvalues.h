@@ -1,12 +1,16 @@
-// What one screening computes of all markers.
+// All p-values of one screening, marker by marker.
+//
+// This is the form for what the lanes do not serve: FDR reports, which show every model, and
+// studies of so many individuals that counts or products of group sizes do not fit.
 #pragma once
 
 #include <array>
 #include <vector>
 
-namespace vort {
+#include "screening/minimum_screening.h"
+#include "screening/screening_result.h"
 
-constexpr int kModels = 4;  // additive, dominant, recessive, genotype
+namespace vort {
 
 // All vectors have `Marker` + 1 elements; element j + 1 belongs to genotype column j.
 struct MarkerPvalues {
@@ -19,11 +23,13 @@ struct MarkerPvalues {
     std::array<int, kModels> dropped_significant{};
 };
 
-// Per-model significance, as far as lists on the console and dropped counts go.
-constexpr double kSignificant = 0.002;
-constexpr double kMinimumSignificant = 0.0005;
-
 // Tests all markers of `X` against `Y`; a marker with too many missing genotypes gets p-values 1.
 MarkerPvalues test_all_markers();
+
+// What of them is shown.
+ScreeningResult result_of(const MarkerPvalues& all);
+
+// From `samplesize` and `not_over_missing_marker_drop_ratio`.
+MissingLimits missing_limits();
 
 }  // namespace vort

@@ -1,4 +1,4 @@
-// One screening: test, list, rank.
+// Screenings: test, list, rank.
 //
 // Every marker is tested on its own under four genetic models; its fifth p-value, the "minimum", is
 // the smallest of them and ranks the marker. The console shows, in this order, the markers that
@@ -6,18 +6,24 @@
 // the ranking of all markers. Nothing of a screening outlives the call but the ranking, and the
 // console lines.
 //
-// Cost: one pass over the genotypes of the data set, then an index sort of `Marker` p-values.
+// The data sets of a run are counted together (counted_data_sets.h) and tested one by one
+// (minimum_screening.h). Cost, for a marker and data set: three bits for each individual, one
+// p-value, a share of the sort, a line on the console.
 #include "screening/screening.h"
 
+#include <algorithm>
 #include <ctime>
 #include <iostream>
 #include <optional>
 
+#include "common/line_writer.h"
 #include "common/number_text.h"
+#include "screening/counted_data_sets.h"
 #include "screening/fdr_report.h"
 #include "screening/genotype_data.h"
 #include "screening/globals.h"
 #include "screening/marker_pvalues.h"
+#include "screening/minimum_screening.h"
 #include "screening/prepared_file.h"
 
 namespace vort {
@@ -26,43 +32,58 @@ namespace {
 
 constexpr int kMinimum = kModels;  // the minimum's place among the model names
 
-// Lists the markers whose p-value is at most the threshold, and returns their number.
-int print_significant(int model, const std::vector<double>& pvalue, double threshold) {
-    int count = 0;
-    for (int k = 1; k <= Marker; ++k) {
-        if (!(pvalue[k] <= threshold)) continue;
-        std::cout << "model=" << modelname[model] << " i=" << k << " pvalue=" << general(pvalue[k])
-                  << '\n';
-        ++count;
+void print_findings(int model, const std::vector<Finding>& findings) {
+    for (const auto& [marker, pvalue] : findings) {
+        std::cout << "model=" << modelname[model] << " i=" << marker
+                  << " pvalue=" << general(pvalue) << '\n';
     }
-    return count;
 }
 
-void print_lists(const MarkerPvalues& all) {
-    int found[kModels];
-    for (int model = 0; model < kModels; ++model) {
-        found[model] = print_significant(model, all.model[model], kSignificant);
-    }
-    const int found_minimum = print_significant(kMinimum, all.minimum, kMinimumSignificant);
-    for (int model = 0; model < kModels; ++model) {
-        std::cout << "model=" << modelname[model] << " # of marker's pvalue<0.002=" << found[model]
-                  << '\n';
-    }
-    std::cout << "model=" << modelname[kMinimum]
-              << " # of marker's pvalue<0.002/4=" << found_minimum << '\n';
+void print_lists(const ScreeningResult& result) {
+    for (int model = 0; model < kModels; ++model) print_findings(model, result.significant[model]);
+    print_findings(kMinimum, result.minimum_significant);
     for (int model = 0; model < kModels; ++model) {
         std::cout << "model=" << modelname[model]
-                  << " # of marker's missing num than 20=" << all.dropped_significant[model]
-                  << " total_count_drop_diseasemaker=" << all.dropped << '\n';
+                  << " # of marker's pvalue<0.002=" << result.significant[model].size() << '\n';
+    }
+    std::cout << "model=" << modelname[kMinimum]
+              << " # of marker's pvalue<0.002/4=" << result.minimum_significant.size() << '\n';
+    for (int model = 0; model < kModels; ++model) {
+        std::cout << "model=" << modelname[model]
+                  << " # of marker's missing num than 20=" << result.dropped_significant[model]
+                  << " total_count_drop_diseasemaker=" << result.dropped << '\n';
     }
 }
 
-void print_ranking(const MarkerPvalues& all, const std::vector<int>& order, int* ranking) {
-    for (int k = 1; k <= Marker; ++k) {
-        ranking[k - 1] = order[k] - 1;
-        std::cout << k << " index=" << order[k] << " pvalue=" << general(all.minimum[order[k]])
-                  << " ref=" << ranking[k - 1] << '\n';
+void print_ranking(const std::vector<KeyedIndex>& ranked) {
+    LineWriter out(std::cout);
+    int k = 0;
+    for (const auto& [pvalue, marker] : ranked) {
+        out.integer(++k).text(" index=").integer(marker).text(" pvalue=").general(pvalue);
+        out.text(" ref=").integer(marker - 1).end_line();
     }
+}
+
+// Prints what there is to say and stores the ranking; leaves result.minimum sorted.
+void show(ScreeningResult& result, std::time_t start, int* ranking) {
+    std::cout << "time of pvalue " << static_cast<long>(std::time(nullptr) - start) << '\n';
+    print_lists(result);
+    sort_keyed(result.minimum);
+    for (std::size_t k = 0; k < result.minimum.size(); ++k) {
+        ranking[k] = result.minimum[k].index - 1;
+    }
+    print_ranking(result.minimum);
+    std::cout.flush();
+}
+
+std::vector<int> order_of(const ScreeningResult& ranked) {
+    std::vector<int> order{0};
+    for (const KeyedIndex& item : ranked.minimum) order.push_back(item.index);
+    return order;
+}
+
+bool reports_wanted() {
+    return write_FDR_result != 0 || save_pre != 0;
 }
 
 }  // namespace
@@ -74,16 +95,46 @@ int single_marker_test_five_model_drop_missing_diseasemarker1(int* ranking) {
 
     const std::time_t start = std::time(nullptr);
     const MarkerPvalues all = test_all_markers();
-    std::cout << "time of pvalue " << static_cast<long>(std::time(nullptr) - start) << '\n';
+    ScreeningResult result = result_of(all);
+    show(result, start, ranking);
 
-    print_lists(all);
-    const std::vector<int> order = order_by_pvalue(all.minimum);
-    print_ranking(all, order, ranking);
-
+    const std::vector<int> order = order_of(result);
     if (save_pre != 0) save_prepared_file(order);
     if (report) report->write(all, order);
-    std::cout.flush();
     return 0;
+}
+
+struct DataSetScreening::Counts {
+    Counts(std::span<short* const> phenotypes, std::span<int* const> rankings, GroupSizes sizes)
+        : instructions(best_instructions()),
+          counted(X, Sample, Marker, phenotypes, rankings, instructions),
+          screening(counted, Marker, sizes, missing_limits(), instructions) {}
+
+    Instructions instructions;
+    CountedDataSets counted;
+    MinimumScreening screening;
+};
+
+DataSetScreening::DataSetScreening(std::span<short* const> phenotypes,
+                                   std::span<int* const> rankings)
+    : phenotypes_(phenotypes), rankings_(rankings) {
+    const GroupSizes sizes{samplesize[1], samplesize[0]};
+    if (reports_wanted() || !MinimumScreening::fits(sizes)) return;
+    counts_ = std::make_unique<Counts>(phenotypes, rankings, sizes);
+    if (!counts_->counted.ready()) counts_.reset();
+}
+
+DataSetScreening::~DataSetScreening() = default;
+
+void DataSetScreening::screen(int d) {
+    std::copy_n(phenotypes_[d], Sample, Y);
+    if (counts_ == nullptr) {
+        single_marker_test_five_model_drop_missing_diseasemarker1(rankings_[d]);
+        return;
+    }
+    const std::time_t start = std::time(nullptr);
+    ScreeningResult result = counts_->screening.screen(rankings_[d]);
+    show(result, start, rankings_[d]);
 }
 
 }  // namespace vort

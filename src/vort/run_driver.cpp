@@ -36,7 +36,7 @@ class RowTable {
         }
     }
     T* operator[](int row) { return rows_[row]; }
-    T** rows() { return rows_.data(); }
+    std::vector<T*>& rows() { return rows_; }
 
   private:
     std::vector<std::unique_ptr<T[]>> storage_;
@@ -74,18 +74,22 @@ void check_sizes() {
 }
 
 // Each permutation shuffles the phenotypes of the one before.
-void screen_data_set(DataSets& data) {
-    orginal_data = 1;
-    for (int r = 0; r < Replication; ++r) {
-        single_marker_test_five_model_drop_missing_diseasemarker1(data.rankings[r]);
-        data.keep_phenotypes(r);
-    }
-    orginal_data = 0;
+void draw_phenotypes(DataSets& data) {
+    for (int r = 0; r < Replication; ++r) data.keep_phenotypes(r);
     for (int row = Replication; row < Replication + Permutation; ++row) {
         permutation1(Y, Sample);
-        single_marker_test_five_model_drop_missing_diseasemarker1(data.rankings[row]);
         data.keep_phenotypes(row);
     }
+}
+
+void screen_data_set(DataSets& data) {
+    load_data_set_once();
+    draw_phenotypes(data);
+    DataSetScreening screening(data.phenotypes.rows(), data.rankings.rows());
+    orginal_data = 1;
+    for (int r = 0; r < Replication; ++r) screening.screen(r);
+    orginal_data = 0;
+    for (int row = Replication; row < Replication + Permutation; ++row) screening.screen(row);
 }
 
 void screen_prepared_files(DataSets& data) {
@@ -147,9 +151,9 @@ int run_analysis() {
         screen_prepared_files(data);
     }
     int count = 0;
-    const std::unique_ptr<int[]> selected(main_vort3(Sample, Marker, X, data.phenotypes.rows(),
-                                                     data.rankings.rows(), Permutation, Replication,
-                                                     &count));
+    const std::unique_ptr<int[]> selected(
+        main_vort3(Sample, Marker, X, data.phenotypes.rows().data(), data.rankings.rows().data(),
+                   Permutation, Replication, &count));
     append_marker_names(selected.get(), count, data.rankings[0]);
     release_data_set();
     remove_intermediate_files();

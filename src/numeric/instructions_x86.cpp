@@ -1,0 +1,11 @@
+#include "numeric/instructions.h"
+
+namespace vort {
+
+Instructions best_instructions() {
+    static const bool wide =
+        __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("popcnt") != 0;
+    return wide ? Instructions::kWide : Instructions::kPortable;
+}
+
+}  // namespace vort

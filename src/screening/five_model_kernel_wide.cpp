@@ -1,0 +1,8 @@
+// Compiled with wider instructions where the build has them for this architecture.
+#include "screening/five_model_kernel.h"
+
+namespace vort {
+
+template struct FiveModelKernel<Instructions::kWide>;
+
+}  // namespace vort

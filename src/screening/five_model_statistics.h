@@ -1,0 +1,95 @@
+// The statistics of the five-model test, written once for one marker and for eight side by side.
+//
+// With a_g and b_g the counts of genotype g in R genotyped cases and S genotyped controls:
+//
+//   additive    allele frequencies p = (2 a2 + a1) / 2R, q = (2 b2 + b1) / 2S;
+//               (p - q)^2 (K + 1 / ((1 - p)/2S + (1 - q)/2R)), K = 4RS / alleles counted, an
+//               integer quotient cut towards zero
+//   dominant    carriers p = (a2 + a1) / R, q = (b2 + b1) / S;
+//               (p - q)^2 (1 / (p/S + q/R) + 1 / ((1 - p)/S + (1 - q)/R))
+//   recessive   the same with p = a2 / R, q = b2 / S
+//   genotype    the sum over genotypes of (p - q)^2 / (q/R + p/S), one degree of freedom fewer than
+//               genotypes seen
+//
+// Each is referred to a chi-square distribution. These are not the textbook forms: a case
+// proportion is divided by the number of controls and the other way round, which estimates the
+// variance as if the groups had swapped their sizes, and the integer quotient makes the additive
+// statistic jump between neighbouring tables. Both are part of the method, and so is 0.0001, the
+// statistic of a marker that does not vary.
+//
+// Example: R = S = 100 and 2 a2 + a1 + b1 + 2 b2 = 300 give K = 133, not 133.33.
+//
+// Number is double or Lanes; all counts are whole numbers, R and S positive, 4RS below 2^31 for
+// lanes and below 2^52 for a double. A quotient of whole numbers that small never rounds up to the
+// next whole number, so K is exact.
+#pragma once
+
+#include "numeric/lanes.h"
+
+namespace vort {
+
+template <typename Number>
+struct GenotypeTable {
+    Number a0, a1, a2;  // cases with genotype 0, 1, 2
+    Number b0, b1, b2;  // controls
+    Number R, S;        // their sums
+};
+
+template <typename Number>
+struct ModelStatistics {
+    Number additive, dominant, recessive, genotype;
+    Number classes;  // genotypes seen
+};
+
+template <typename Number>
+[[gnu::always_inline]] inline Number statistic_unless_constant(const Number& p, const Number& q,
+                                                               const Number& statistic) {
+    constexpr double kNoVariation = 0.0001;
+    const Number constant = Number{} + kNoVariation;
+    const Number above = select(p <= 0.0, select(q <= 0.0, constant, statistic), statistic);
+    return select(p >= 1.0, select(q >= 1.0, constant, above), above);
+}
+
+template <typename Number>
+[[gnu::always_inline]] inline Number additive_statistic(const GenotypeTable<Number>& t) {
+    const Number p = (2.0 * t.a2 + t.a1) / (2.0 * t.R);
+    const Number q = (2.0 * t.b2 + t.b1) / (2.0 * t.S);
+    const Number alleles = 2.0 * t.a2 + t.a1 + t.b1 + 2.0 * t.b2;
+    const Number K = whole_part(4.0 * t.R * t.S / select(alleles > 0.0, alleles, alleles + 1.0));
+    const Number weight = K + 1.0 / ((1.0 - p) / (2.0 * t.S) + (1.0 - q) / (2.0 * t.R));
+    return statistic_unless_constant<Number>(p, q, ((p - q) * (p - q)) * weight);
+}
+
+// p and q: shares of carriers in cases and in controls.
+template <typename Number>
+[[gnu::always_inline]] inline Number carrier_statistic(const Number& p, const Number& q,
+                                                       const GenotypeTable<Number>& t) {
+    const Number weight = 1.0 / (p / t.S + q / t.R) + 1.0 / ((1.0 - p) / t.S + (1.0 - q) / t.R);
+    return statistic_unless_constant<Number>(p, q, ((p - q) * (p - q)) * weight);
+}
+
+template <typename Number>
+[[gnu::always_inline]] inline void add_genotype(const Number& p, const Number& q,
+                                                const GenotypeTable<Number>& t,
+                                                ModelStatistics<Number>& out) {
+    const Number term = ((p - q) * (p - q)) / (q / t.R + p / t.S);
+    const Number nobody = Number{} + 0.0001;
+    // Proportions are not negative, so their sum is positive where one of them is.
+    out.genotype += select(p + q > 0.0, term, nobody);
+    out.classes += select(p + q > 0.0, Number{} + 1.0, Number{});
+}
+
+template <typename Number>
+[[gnu::always_inline]] inline void five_model_statistics(const GenotypeTable<Number>& t,
+                                                         ModelStatistics<Number>& out) {
+    out.additive = additive_statistic<Number>(t);
+    out.dominant = carrier_statistic<Number>((t.a2 + t.a1) / t.R, (t.b2 + t.b1) / t.S, t);
+    out.recessive = carrier_statistic<Number>(t.a2 / t.R, t.b2 / t.S, t);
+    out.genotype = Number{};
+    out.classes = Number{};
+    add_genotype<Number>(t.a2 / t.R, t.b2 / t.S, t, out);
+    add_genotype<Number>(t.a1 / t.R, t.b1 / t.S, t, out);
+    add_genotype<Number>(t.a0 / t.R, t.b0 / t.S, t, out);
+}
+
+}  // namespace vort
