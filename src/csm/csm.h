@@ -24,11 +24,14 @@
 #include "common/bitset.h"
 #include "common/parameter_file.h"
 #include "csm/best_cluster.h"
+#include "csm/kmeans.h"
 #include "numeric/offset_owner.h"
 
 namespace vort {
 
 struct SetCells;
+class PermutedCells;
+class ScoreTable;
 
 class CSM {
   public:
@@ -147,8 +150,18 @@ class CSM {
     std::array<int, 10> first_codes;   // raw codes of the first and of the last individual's row,
     std::array<int, 10> last_codes;    // columns 0 .. min(10, m)-1 of X
 
+    // A value for each cell or group, elements 1 to at most kMostCells.
+    template <typename T>
+    using CellArray = std::array<T, kMostCells + 1>;
+
+    // Cases and controls of each cell or group.
+    struct Counts {
+        CellArray<int> cases{};
+        CellArray<int> controls{};
+    };
+
   private:
-    struct Search;
+    using Records = std::vector<std::unique_ptr<BestClusterInformation>>;
 
     // m, or 0 where "Best_m" asked for less.
     int usable_markers() const { return marker_num > 0 ? marker_num : 0; }
@@ -164,8 +177,14 @@ class CSM {
     std::vector<double> test_all_sets(int k, const bitset& filter, int* tested);
 
     SetCells form_cells(int k, int c) const;
-    void cluster_cells(int k, const SetCells& cells, int g, std::vector<int>& group_of_cell);
-    double group_statistic(const std::vector<int>& cases, const std::vector<int>& controls) const;
+    void cluster_cells(int k, const SetCells& cells, int g, int* group_of_cell);
+    void group_cells(int k, const SetCells& cells, int g, int* group_of_cell, Counts& groups);
+    double group_statistic(const int* cases, const int* controls, int g) const;
+    Records score_observed(int k, int c, const SetCells& cells, ScoreTable& table);
+    void score_orders_one_by_one(int k, const SetCells& cells, ScoreTable& table);
+    void score_orders_in_lanes(int k, const SetCells& cells, ScoreTable& table);
+    void score_permuted_order(int k, const PermutedCells& permuted, int l, int r,
+                              ScoreTable& table) const;
 
     std::vector<bitset> missing_storage_;
 };

@@ -10,12 +10,11 @@
 // A single marker has three cells, and only a few sensible groupings. OneMarkerCluster() compares
 // four tests (carriers of two copies, alleles, carriers of none, all three cells) and groups as
 // the best of them sees the cells: dominant, recessive or apart.
-#include <algorithm>
-#include <cmath>
+#include <array>
 #include <iostream>
-#include <vector>
 
 #include "common/end_program.h"
+#include "csm/cell_clustering.h"
 #include "csm/csm.h"
 #include "csm/kmeans.h"
 #include "numeric/distributions.h"
@@ -59,14 +58,8 @@ CellTest three_cells(const int* cases, const int* controls, double n1, double n2
 
 }  // namespace
 
-void CSM::OneMarkerCluster(double* /*sums*/, int* case_count, int* control_count,
-                           int* group_of_cell, int /*ncell*/, int g) {
-    if (g <= 1 || g >= 4) {
-        std::cout << "find error (nclass>3) when run OneMarkerCluster \n";
-        end_program();
-    }
-    const double n1 = case_num;
-    const double n2 = Sample_size - case_num;
+OneMarkerTests test_one_marker(const int* case_count, const int* control_count, double n1,
+                               double n2) {
     const int* a = case_count;
     const int* b = control_count;
     const CellTest A = two_proportions(a[3] / n1, b[3] / n2, n1, n2);
@@ -74,44 +67,59 @@ void CSM::OneMarkerCluster(double* /*sums*/, int* case_count, int* control_count
         two_proportions((2 * a[1] + a[2]) / (2 * n1), (2 * b[1] + b[2]) / (2 * n2), 2 * n1, 2 * n2);
     const CellTest C = two_proportions(a[1] / n1, b[1] / n2, n1, n2);
     const CellTest D = three_cells(a, b, n1, n2);
-
-    char best = 'A';
+    OneMarkerTests tests{'A', C.statistic < A.statistic};
     double best_pvalue = A.pvalue;
     const auto compare = [&](char name, const CellTest& test) {
         if (!(test.pvalue < best_pvalue)) return;
-        best = name;
+        tests.best = name;
         best_pvalue = test.pvalue;
     };
     compare('B', B);
     compare('C', C);
     compare('D', D);
+    return tests;
+}
 
+void group_one_marker(const OneMarkerTests& tests, int g, int* group_of_cell) {
     group_of_cell[1] = 1;
-    if (best == 'A' || best == 'C') {
-        group_of_cell[2] = best == 'A' ? 1 : 2;
-        group_of_cell[3] = 2;
-    } else if (g == 3) {
-        group_of_cell[2] = 2;
+    group_of_cell[2] = 2;
+    group_of_cell[3] = 2;
+    if (tests.best == 'A') {
+        group_of_cell[2] = 1;
+    } else if (tests.best != 'C' && g == 3) {
         group_of_cell[3] = 3;
-    } else {
-        group_of_cell[2] = C.statistic < A.statistic ? 1 : 2;
-        group_of_cell[3] = 2;
+    } else if (tests.best != 'C' && tests.first_pair_closer) {
+        group_of_cell[2] = 1;
     }
 }
 
-void CSM::cluster(double* cell_sum, int* cell_count, int* group_of_cell, int ncell, int g) {
-    std::vector<double> mean(static_cast<std::size_t>(ncell) + 1);
-    for (int c = 1; c <= ncell; ++c) mean[c] = cell_count[c] < 1 ? 0 : cell_sum[c] / cell_count[c];
-    kmeans_on_a_line(mean, group_of_cell, g, [&](int j) {
-        double sum = 0;
-        int count = 0;
+void CSM::OneMarkerCluster(double* /*sums*/, int* case_count, int* control_count,
+                           int* group_of_cell, int /*ncell*/, int g) {
+    if (g <= 1 || g >= 4) {
+        std::cout << "find error (nclass>3) when run OneMarkerCluster \n";
+        end_program();
+    }
+    group_one_marker(test_one_marker(case_count, control_count, case_num, Sample_size - case_num),
+                     g, group_of_cell);
+}
+
+void cluster_by_mean(const double* cell_sum, const int* cell_count, const double* mean,
+                     int* group_of_cell, int ncell, int g) {
+    kmeans_on_a_line(mean, ncell, group_of_cell, g, [&](double* centre) {
+        std::array<double, kMostCells + 1> sum{};
+        std::array<int, kMostCells + 1> count{};
         for (int c = 1; c <= ncell; ++c) {
-            if (group_of_cell[c] != j) continue;
-            sum += cell_sum[c];
-            count += cell_count[c];
+            sum[group_of_cell[c]] += cell_sum[c];
+            count[group_of_cell[c]] += cell_count[c];
         }
-        return count == 0 ? 0.0 : sum / count;
+        for (int j = 1; j <= g; ++j) centre[j] = count[j] == 0 ? 0.0 : sum[j] / count[j];
     });
+}
+
+void CSM::cluster(double* cell_sum, int* cell_count, int* group_of_cell, int ncell, int g) {
+    std::array<double, kMostCells + 1> mean{};
+    for (int c = 1; c <= ncell; ++c) mean[c] = cell_count[c] < 1 ? 0 : cell_sum[c] / cell_count[c];
+    cluster_by_mean(cell_sum, cell_count, mean.data(), group_of_cell, ncell, g);
 }
 
 }  // namespace vort

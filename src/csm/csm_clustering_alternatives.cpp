@@ -113,8 +113,10 @@ class Agglomeration {
 
 void CSM::cluster1(double* value, int* case_count, int* control_count, int* group_of_cell,
                    int ncell, int g) {
-    kmeans_on_a_line(start_values(value, case_count, control_count, ncell), group_of_cell, g,
-                     [&](int j) { return mean_of_positive(value, group_of_cell, ncell, j); });
+    const std::vector<double> start = start_values(value, case_count, control_count, ncell);
+    kmeans_on_a_line(start.data(), ncell, group_of_cell, g, [&](double* centre) {
+        for (int j = 1; j <= g; ++j) centre[j] = mean_of_positive(value, group_of_cell, ncell, j);
+    });
 }
 
 // The sign codes that this method once started from are overwritten by the first assignment.

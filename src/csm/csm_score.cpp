@@ -17,13 +17,16 @@
 #include <array>
 #include <cmath>
 #include <iostream>
+#include <span>
 #include <vector>
 
 #include "common/end_program.h"
+#include "csm/cell_clustering.h"
 #include "csm/csm.h"
 #include "csm/globals.h"
+#include "csm/permuted_cells.h"
+#include "csm/score_table.h"
 #include "csm/set_cells.h"
-#include "numeric/index_sort.h"
 #include "numeric/random.h"
 #include "numeric/scalars.h"
 
@@ -31,55 +34,7 @@ namespace vort {
 
 namespace {
 
-constexpr int kOrders = 500;  // permutations of the phenotype
 constexpr int kMostGroups = 10;
-
-using Records = std::vector<std::unique_ptr<BestClusterInformation>>;
-
-// A value for each order 0 .. kOrders (0 is the observed one) and each g = 2 .. gmax.
-class ScoreTable {
-  public:
-    explicit ScoreTable(int gmax) : columns_(std::max(gmax + 1, 0)), gmax_(gmax) {
-        for (auto& column : columns_) column.resize(kOrders + 1);
-    }
-
-    double& at(int r, int g) { return columns_[g][r]; }
-
-    // Statistics become empirical p-values: (kOrders - t + 1) / kOrders for the t-th smallest.
-    void turn_into_pvalues() {
-        std::vector<double> statistic(kOrders + 2);
-        std::vector<int> order(kOrders + 2);
-        for (int g = 2; g <= gmax_; ++g) {
-            std::copy(columns_[g].begin(), columns_[g].end(), statistic.begin() + 1);
-            Quickindex(statistic.data(), order.data(), kOrders + 1);
-            for (int t = 1; t <= kOrders + 1; ++t) {
-                columns_[g][order[t] - 1] = static_cast<double>(kOrders - t + 1) / kOrders;
-            }
-        }
-    }
-
-    // The g of the smallest value of order r; ties go to the largest g.
-    int best_groups(int r) {
-        int best = gmax_;
-        for (int g = gmax_ - 1; g >= 2; --g) {
-            if (at(r, g) < at(r, best)) best = g;
-        }
-        return best;
-    }
-
-    double share_below_observed() {
-        if (gmax_ < 2) return 0;
-        int below = 0;
-        for (int r = 0; r <= kOrders; ++r) {
-            if (at(r, best_groups(r)) < at(0, best_groups(0))) ++below;
-        }
-        return static_cast<double>(below) / kOrders;
-    }
-
-  private:
-    std::vector<std::vector<double>> columns_;
-    int gmax_;
-};
 
 void check_code(int code, int space_size) {
     if (code >= 0 && code <= space_size) return;
@@ -88,16 +43,9 @@ void check_code(int code, int space_size) {
     end_program();
 }
 
-// Cases and controls of each cell or group, elements 1 .. size.
-struct Counts {
-    explicit Counts(int size)
-        : cases(static_cast<std::size_t>(size) + 1), controls(static_cast<std::size_t>(size) + 1) {}
-    std::vector<int> cases;
-    std::vector<int> controls;
-};
-
 // Writes the groups' shares into the record and announces each group.
-void describe_groups(BestClusterInformation& record, const Counts& groups, int k, int c, int n) {
+void describe_groups(BestClusterInformation& record, const CSM::Counts& groups, int k, int c,
+                     int n) {
     const int g = static_cast<int>(record.group_num);
     int counted = 0;
     double total = 0;
@@ -144,46 +92,44 @@ SetCells CSM::form_cells(int k, int c) const {
     return cells;
 }
 
-// Clusters the cells into g groups by the current yy.
-void CSM::cluster_cells(int k, const SetCells& cells, int g, std::vector<int>& group_of_cell) {
+// Counts the cells by the current yy and clusters them into g groups.
+void CSM::cluster_cells(int k, const SetCells& cells, int g, int* group_of_cell) {
     const int ncell = cells.ncell;
-    Counts counts(std::max(ncell, 3));
-    std::vector<int> cell_count(counts.cases.size());
-    std::vector<double> cell_value(counts.cases.size());
+    CellArray<int> cases{};
+    CellArray<int> controls{};
+    CellArray<int> cell_count{};
+    CellArray<double> value{};
     double total = 0;
     int individuals = 0;
     for (int i = 1; i <= Sample_size; ++i) {
         const int cell = cells.cell[i];
         if (cell == 0) continue;
-        ++(yy[i] > 0 ? counts.cases : counts.controls)[cell];
+        ++(yy[i] > 0 ? cases : controls)[cell];
         ++cell_count[cell];
         total += yy[i];
         ++individuals;
     }
-    int* const cases = counts.cases.data();
-    int* const controls = counts.controls.data();
-    double* const value = cell_value.data();
-    int* const group = group_of_cell.data();
-    if (k == 1) return OneMarkerCluster(value, cases, controls, group, ncell, g);
+    int* const a = cases.data();
+    int* const b = controls.data();
+    if (k == 1) return OneMarkerCluster(value.data(), a, b, group_of_cell, ncell, g);
     if (clustermethod_print == 1) {
         clustermethod_print = 0;
         std::cout << "clustermethod=" << clustermethod << '\n';
     }
-    if (clustermethod == 1) return cluster1(value, cases, controls, group, ncell, g);
-    if (clustermethod == 2) return cluster2(value, cases, controls, group, ncell, g);
-    if (clustermethod == 3) return cluster3(value, cases, controls, group, ncell, g);
-    if (clustermethod == 4) return cluster4(value, cases, controls, group, ncell, g);
+    if (clustermethod == 1) return cluster1(value.data(), a, b, group_of_cell, ncell, g);
+    if (clustermethod == 2) return cluster2(value.data(), a, b, group_of_cell, ncell, g);
+    if (clustermethod == 3) return cluster3(value.data(), a, b, group_of_cell, ncell, g);
+    if (clustermethod == 4) return cluster4(value.data(), a, b, group_of_cell, ncell, g);
     const double mean = total / individuals;
     for (int i = 1; i <= Sample_size; ++i) {
-        if (cells.cell[i] != 0) cell_value[cells.cell[i]] += yy[i] - mean;
+        if (cells.cell[i] != 0) value[cells.cell[i]] += yy[i] - mean;
     }
-    cluster(value, cell_count.data(), group, ncell, g);
+    cluster(value.data(), cell_count.data(), group_of_cell, ncell, g);
 }
 
 // How well groups 1 .. g separate cases from controls, or, for a quantitative trait, the shares of
 // individuals above the mean.
-double CSM::group_statistic(const std::vector<int>& cases, const std::vector<int>& controls) const {
-    const int g = static_cast<int>(cases.size()) - 1;
+double CSM::group_statistic(const int* cases, const int* controls, int g) const {
     double statistic = 0;
     if (quantitative_trait == 0) {
         const double N1 = case_num;
@@ -207,50 +153,121 @@ double CSM::group_statistic(const std::vector<int>& cases, const std::vector<int
     return statistic;
 }
 
-double CSM::objectivefunction_quantitive(int k, int c, BestClusterInformationArray* array,
-                                         int* best_groups) {
+// Clusters the cells by the current yy, and counts the groups.
+void CSM::group_cells(int k, const SetCells& cells, int g, int* group_of_cell, Counts& groups) {
+    cluster_cells(k, cells, g, group_of_cell);
+    groups = Counts();
+    for (int i = 1; i <= Sample_size; ++i) {
+        if (cells.cell[i] == 0) continue;
+        ++(yy[i] > 0 ? groups.cases : groups.controls)[group_of_cell[cells.cell[i]]];
+    }
+}
+
+// The observed order: the records, and row 0 of the table.
+CSM::Records CSM::score_observed(int k, int c, const SetCells& cells, ScoreTable& table) {
+    Records records;
+    CellArray<int> group_of_cell{};
+    Counts groups;
+    for (int g = 2; g <= table.gmax(); ++g) {
+        group_cells(k, cells, g, group_of_cell.data(), groups);
+        auto record = std::make_unique<BestClusterInformation>(k, g, marker_num);
+        for (int i = 1; i <= Sample_size; ++i) {
+            if (cells.cell[i] == 0) continue;
+            record->AddMemberInGroup(group_of_cell[cells.cell[i]] - 1, cells.cell[i],
+                                     cells.code[i]);
+        }
+        describe_groups(*record, groups, k, c, Sample_size);
+        records.push_back(std::move(record));
+        table.at(0, g) = group_statistic(groups.cases.data(), groups.controls.data(), g);
+    }
+    return records;
+}
+
+// Any phenotype and any clustering, an order at a time.
+void CSM::score_orders_one_by_one(int k, const SetCells& cells, ScoreTable& table) {
     const int n = Sample_size;
-    const SetCells cells = form_cells(k, c);
-    const int gmax = std::min(cells.ncell, kMostGroups);
     const std::vector<double> saved(yy.data() + 1, yy.data() + n + 1);
     std::vector<int> order(static_cast<std::size_t>(n) + 1);
-    std::vector<int> group_of_cell(static_cast<std::size_t>(std::max(cells.ncell, 3)) + 1);
-    ScoreTable table(gmax);
-    Records records;
-    for (int r = 0; r <= kOrders; ++r) {
-        if (r > 0) {
-            randomsort(n, order.data());
-            for (int i = 1; i <= n; ++i) yy[i] = saved[order[i] - 1];
-        }
-        for (int g = 2; g <= gmax; ++g) {
-            cluster_cells(k, cells, g, group_of_cell);
-            Counts groups(g);
-            for (int i = 1; i <= n; ++i) {
-                if (cells.cell[i] == 0) continue;
-                ++(yy[i] > 0 ? groups.cases : groups.controls)[group_of_cell[cells.cell[i]]];
-            }
-            if (r == 0) {
-                records.push_back(std::make_unique<BestClusterInformation>(k, g, marker_num));
-                for (int i = 1; i <= n; ++i) {
-                    if (cells.cell[i] == 0) continue;
-                    records.back()->AddMemberInGroup(group_of_cell[cells.cell[i]] - 1,
-                                                     cells.cell[i], cells.code[i]);
-                }
-                describe_groups(*records.back(), groups, k, c, n);
-            }
-            table.at(r, g) = group_statistic(groups.cases, groups.controls);
+    CellArray<int> group_of_cell{};
+    Counts groups;
+    for (int r = 1; r <= kOrders; ++r) {
+        randomsort(n, order.data());
+        for (int i = 1; i <= n; ++i) yy[i] = saved[order[i] - 1];
+        for (int g = 2; g <= table.gmax(); ++g) {
+            group_cells(k, cells, g, group_of_cell.data(), groups);
+            table.at(r, g) = group_statistic(groups.cases.data(), groups.controls.data(), g);
         }
     }
     std::copy(saved.begin(), saved.end(), yy.data() + 1);
+}
+
+// A case-control phenotype under the clusterings in use: eight orders at a time, and what does not
+// depend on g once for each order.
+void CSM::score_orders_in_lanes(int k, const SetCells& cells, ScoreTable& table) {
+    const std::span<const double> phenotype(yy.data() + 1, static_cast<std::size_t>(Sample_size));
+    PermutedCells permuted(cells, phenotype, k > 1);
+    for (int r = 1; r <= kOrders; r += kLanes) {
+        const int orders = std::min(kLanes, kOrders + 1 - r);
+        permuted.draw(orders);
+        for (int l = 0; l < orders; ++l) score_permuted_order(k, permuted, l, r + l, table);
+    }
+}
+
+void CSM::score_permuted_order(int k, const PermutedCells& permuted, int l, int r,
+                               ScoreTable& table) const {
+    const int ncell = permuted.ncell();
+    const int* const size = permuted.cell_count().data();
+    CellArray<double> sum{};
+    CellArray<int> cases{};
+    CellArray<int> controls{};
+    CellArray<double> mean{};
+    permuted.describe(l, sum.data(), cases.data());
+    for (int c = 1; c <= ncell; ++c) {
+        controls[c] = size[c] - cases[c];
+        mean[c] = sum[c] / size[c];
+    }
+    OneMarkerTests tests{};
+    if (k == 1) {
+        tests = test_one_marker(cases.data(), controls.data(), case_num, Sample_size - case_num);
+    }
+    CellArray<int> group{};
+    for (int g = 2; g <= table.gmax(); ++g) {
+        if (k == 1) {
+            group_one_marker(tests, g, group.data());
+        } else {
+            cluster_by_mean(sum.data(), size, mean.data(), group.data(), ncell, g);
+        }
+        Counts groups;
+        for (int c = 1; c <= ncell; ++c) {
+            groups.cases[group[c]] += cases[c];
+            groups.controls[group[c]] += controls[c];
+        }
+        table.at(r, g) = group_statistic(groups.cases.data(), groups.controls.data(), g);
+    }
+}
+
+double CSM::objectivefunction_quantitive(int k, int c, BestClusterInformationArray* array,
+                                         int* best_groups) {
+    const SetCells cells = form_cells(k, c);
+    ScoreTable table(std::min(cells.ncell, kMostGroups));
+    const Records records = score_observed(k, c, cells, table);
+    const std::span<const double> phenotype(yy.data() + 1, static_cast<std::size_t>(Sample_size));
+    const bool clusters_in_use = k == 1 || clustermethod == 0;
+    if (quantitative_trait == 0 && clusters_in_use && PermutedCells::serves(phenotype)) {
+        score_orders_in_lanes(k, cells, table);
+    } else {
+        score_orders_one_by_one(k, cells, table);
+    }
     table.turn_into_pvalues();
     const int best = table.best_groups(0);
-    save_cluster_information(best, records, gmax, k, c, array, cells.ncell);
+    save_cluster_information(best, records, table.gmax(), k, c, array, cells.ncell);
     if (best_groups != nullptr) *best_groups = best;
     return 1 - table.share_below_observed();
 }
 
-void CSM::save_cluster_information(int bestg, const Records& records, int /*gmax*/, int /*k*/,
-                                   int c, BestClusterInformationArray* array, int ncell) {
+void CSM::save_cluster_information(
+    int bestg, const std::vector<std::unique_ptr<BestClusterInformation>>& records, int /*gmax*/,
+    int /*k*/, int c, BestClusterInformationArray* array, int ncell) {
     if (bestg < 1 || bestg > ncell) {
         std::cout << "find error BestClusterNum<0 or BestClusterNum >Tnum, BestClusterNum=" << bestg
                   << " Tnum=" << ncell << '\n';

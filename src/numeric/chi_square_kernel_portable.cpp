@@ -1,4 +1,4 @@
-#include "numeric/chi_square_kernel.h"
+#include "numeric/chi_square_kernel_body.h"
 
 namespace vort {
 

@@ -1,5 +1,5 @@
 // Compiled with wider instructions where the build has them for this architecture.
-#include "numeric/chi_square_kernel.h"
+#include "numeric/chi_square_kernel_body.h"
 
 namespace vort {
 

@@ -2,6 +2,7 @@
 
 #include "numeric/chi_square_kernel.h"
 #include "numeric/distributions.h"
+#include "numeric/lanes.h"
 
 namespace vort {
 

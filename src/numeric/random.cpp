@@ -15,6 +15,8 @@
 #include <numeric>
 #include <vector>
 
+#include "numeric/draw_positions.h"
+
 namespace vort {
 
 int RX = 1;
@@ -43,9 +45,9 @@ double rand2() {
 void randomsort(int n, int* out) {
     std::vector<int> pool(static_cast<std::size_t>(std::max(n, 0)));
     std::iota(pool.begin(), pool.end(), 1);
+    draw_positions(n, out + 1);
     for (int c = 1; c <= n; ++c) {
-        const int left = n - c + 1;
-        const auto drawn = pool.begin() + static_cast<int>(left * rand1());
+        const auto drawn = pool.begin() + out[c];
         out[c] = *drawn;
         pool.erase(drawn);
     }

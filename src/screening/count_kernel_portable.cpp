@@ -1,4 +1,4 @@
-#include "screening/count_kernel.h"
+#include "screening/count_kernel_body.h"
 
 namespace vort {
 

@@ -1,5 +1,5 @@
 // Compiled with wider instructions where the build has them for this architecture.
-#include "screening/count_kernel.h"
+#include "screening/count_kernel_body.h"
 
 namespace vort {
 

@@ -1,4 +1,4 @@
-#include "screening/five_model_kernel.h"
+#include "screening/five_model_kernel_body.h"
 
 namespace vort {
 

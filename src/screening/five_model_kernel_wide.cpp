@@ -1,5 +1,5 @@
 // Compiled with wider instructions where the build has them for this architecture.
-#include "screening/five_model_kernel.h"
+#include "screening/five_model_kernel_body.h"
 
 namespace vort {
 

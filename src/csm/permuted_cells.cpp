@@ -1,0 +1,102 @@
+#include "csm/permuted_cells.h"
+
+#include <algorithm>
+
+#include "numeric/draw_positions.h"
+
+namespace vort {
+
+namespace {
+
+std::vector<unsigned char> labels_of(std::span<const double> yy) {
+    std::vector<unsigned char> labels;
+    for (const double y : yy) labels.push_back(y > 0 ? 1 : 0);
+    return labels;
+}
+
+}  // namespace
+
+bool PermutedCells::serves(std::span<const double> yy) {
+    if (yy.empty() || yy.size() > LabelLanes::kMostLabels) return false;
+    const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
+    return *low <= 0 && *high > 0 &&
+           std::all_of(yy.begin(), yy.end(), [&](double y) { return y == *low || y == *high; });
+}
+
+PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, bool with_sums)
+    : n_(yy.size()),
+      with_sums_(with_sums),
+      value_{0, 1},
+      cell_count_(static_cast<std::size_t>(cells.ncell) + 1),
+      labels_(labels_of(yy)),
+      positions_(n_),
+      lane_positions_(n_),
+      phenotype_(n_),
+      sum_(cell_count_.size()) {
+    if (with_sums) {
+        const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
+        value_[0] = *low;
+        value_[1] = *high;
+    }
+    for (std::size_t i = 0; i < n_; ++i) {
+        const int cell = cells.cell[i + 1];
+        if (cell == 0) continue;
+        member_.push_back(static_cast<int>(i));
+        ++cell_count_[cell];
+    }
+    by_cell_ = member_;
+    std::stable_sort(by_cell_.begin(), by_cell_.end(),
+                     [&](int a, int b) { return cells.cell[a + 1] < cells.cell[b + 1]; });
+}
+
+void PermutedCells::draw(int orders) {
+    draw_phenotypes(orders);
+    sum_cells();
+}
+
+// Lanes without an order take the first item that is left.
+void PermutedCells::draw_phenotypes(int orders) {
+    for (int l = 0; l < orders; ++l) {
+        draw_positions(static_cast<int>(n_), positions_.data());
+        for (std::size_t c = 0; c < n_; ++c) {
+            lane_positions_[c][l] = static_cast<std::int16_t>(positions_[c]);
+        }
+    }
+    for (int l = orders; l < kLanes; ++l) {
+        for (auto& position : lane_positions_) position[l] = 0;
+    }
+    labels_.refill();
+    for (std::size_t c = 0; c < n_; ++c) {
+        double drawn[kLanes];
+        labels_.take(lane_positions_[c], value_, drawn);
+        std::memcpy(&phenotype_[c], drawn, sizeof drawn);
+    }
+}
+
+void PermutedCells::sum_cells() {
+    mean_ = Lanes{};
+    if (with_sums_) {
+        Lanes total{};
+        for (const int i : member_) total += phenotype_[i];
+        mean_ = total / static_cast<double>(member_.size());
+    }
+    const int* next = by_cell_.data();
+    for (std::size_t c = 1; c < sum_.size(); ++c) {
+        Lanes sum{};
+        for (const int* const end = next + cell_count_[c]; next < end; ++next) {
+            sum += phenotype_[*next] - mean_;
+        }
+        sum_[c] = sum;
+    }
+}
+
+void PermutedCells::describe(int l, double* sum, int* cases) const {
+    const double control = value_[0] - mean_[l];
+    const double step = value_[1] - value_[0];
+    for (std::size_t c = 1; c < sum_.size(); ++c) {
+        sum[c] = sum_[c][l];
+        cases[c] = static_cast<int>((sum[c] - cell_count_[c] * control) / step + 0.5);
+    }
+}
+
+}  // namespace vort

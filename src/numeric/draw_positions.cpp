@@ -1,0 +1,94 @@
+#include "numeric/draw_positions.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "numeric/random.h"
+
+namespace vort {
+
+namespace {
+
+// One part of the generator: state' = factor * state mod modulus, from a first state on.
+class Cycle {
+  public:
+    Cycle(int factor, int modulus, int first) : modulus_(modulus), place_(modulus, kNowhere) {
+        for (int state = first; place_[state] == kNowhere; state = factor * state % modulus) {
+            place_[state] = static_cast<int>(quotient_.size());
+            quotient_.push_back(state / static_cast<double>(modulus));
+            state_.push_back(state);
+        }
+    }
+
+    // Where on the cycle a state is; kNowhere where it is not on it.
+    int place_of(int state) const {
+        return state >= 0 && state < modulus_ ? place_[state] : kNowhere;
+    }
+    int next(int place) const { return place + 1 == length() ? 0 : place + 1; }
+    int length() const { return static_cast<int>(quotient_.size()); }
+    int state(int place) const { return state_[place]; }
+    const double* quotients(int place) const { return quotient_.data() + place; }
+
+    static constexpr int kNowhere = -1;
+
+  private:
+    int modulus_;
+    std::vector<int> place_;
+    std::vector<int> state_;
+    std::vector<double> quotient_;
+};
+
+struct Cycles {
+    Cycle x{171, 30269, 1};
+    Cycle y{172, 30309, 3};
+    Cycle z{170, 30323, 5};
+};
+
+const Cycles& cycles() {
+    static const Cycles made;
+    return made;
+}
+
+// A stretch in which no part returns to the beginning of its cycle.
+void draw_stretch(const double* x, const double* y, const double* z, int size, int left, int* out) {
+    for (int c = 0; c < size; ++c) {
+        const double sum = x[c] + y[c] + z[c];
+        const double u = sum - static_cast<int>(sum);
+        out[c] = static_cast<int>((left - c) * u);
+    }
+}
+
+void draw_one_by_one(int n, int* out) {
+    for (int c = 0; c < n; ++c) out[c] = static_cast<int>((n - c) * rand1());
+}
+
+}  // namespace
+
+void draw_positions(int n, int* out) {
+    if (n < 1) return;
+    const Cycles& all = cycles();
+    int x = all.x.place_of(RX);
+    int y = all.y.place_of(RY);
+    int z = all.z.place_of(RZ);
+    if (x == Cycle::kNowhere || y == Cycle::kNowhere || z == Cycle::kNowhere) {
+        return draw_one_by_one(n, out);
+    }
+    for (int done = 0; done < n;) {
+        x = all.x.next(x);
+        y = all.y.next(y);
+        z = all.z.next(z);
+        const int size =
+            std::min({n - done, all.x.length() - x, all.y.length() - y, all.z.length() - z});
+        draw_stretch(all.x.quotients(x), all.y.quotients(y), all.z.quotients(z), size, n - done,
+                     out + done);
+        done += size;
+        x += size - 1;
+        y += size - 1;
+        z += size - 1;
+    }
+    RX = all.x.state(x);
+    RY = all.y.state(y);
+    RZ = all.z.state(z);
+}
+
+}  // namespace vort
