@@ -5,8 +5,10 @@
 
 namespace vort {
 
-// All arrays hold `size` values, a multiple of kLanes: shape a, point x, ln Gamma(a). tail receives
-// 1 - P(a, x); a tail that did not converge is negative.
+constexpr int kStatisticsAtOnce = 8;
+
+// All arrays hold `size` values, a multiple of kStatisticsAtOnce: shape a, point x, ln Gamma(a).
+// tail receives 1 - P(a, x); a tail that did not converge is negative.
 template <Instructions kInstructions>
 struct ChiSquareKernel {
     static void series(const double* a, const double* x, const double* gln, int size, double* tail);

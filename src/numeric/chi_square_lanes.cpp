@@ -2,7 +2,6 @@
 
 #include "numeric/chi_square_kernel.h"
 #include "numeric/distributions.h"
-#include "numeric/lanes.h"
 
 namespace vort {
 
@@ -28,7 +27,7 @@ void ChiSquareQueue::finish(Items& items, double padding,
                             void (*evaluate)(const double*, const double*, const double*, int,
                                              double*)) {
     const std::size_t size = items.tag.size();
-    while (items.a.size() % kLanes != 0) {
+    while (items.a.size() % kStatisticsAtOnce != 0) {
         items.a.push_back(0.5);
         items.x.push_back(padding);
         items.gln.push_back(kLogGamma[1]);

@@ -1,39 +1,67 @@
-// Eight doubles side by side, for arithmetic that is the same in each.
+// Doubles side by side, for arithmetic that is the same in each.
 //
-// The compiler's vector types do what the machine has for this, two, four or eight doubles at a
-// time; every lane gets the bytes that the same operations give on one double. What is written
-// once as a template over the number type therefore serves one marker and eight alike:
+// The compiler's vector types do what the machine has for this; every lane gets the bytes that the
+// same operations give on one double. What is written once as a template over the number type
+// serves one value and a vector of them alike:
 //
 //     template <typename Number>
-//     Number ratio(Number a, Number b) { return select(b == Number{} + 0, Number{} + 1, a / b); }
+//     Number ratio(Number a, Number b) { return select(b > 0.0, a / b, Number{}); }
+//
+// Two widths are in use. Vectors as wide as the machine's registers are what comparisons and
+// select() need: elsewhere the compiler takes them apart, lane by lane. Lanes are eight doubles,
+// several registers, for plain sums.
 #pragma once
 
 #include <cmath>
 #include <cstdint>
 
+#include "numeric/instructions.h"
+
 namespace vort {
 
 constexpr int kLanes = 8;
-
 using Lanes [[gnu::vector_size(kLanes * sizeof(double))]] = double;
-using LaneMask [[gnu::vector_size(kLanes * sizeof(double))]] = std::int64_t;
-using IntLanes [[gnu::vector_size(kLanes * sizeof(int))]] = int;
+
+template <Instructions kInstructions>
+struct Register;
+
+template <>
+struct Register<Instructions::kPortable> {
+    static constexpr int kSize = 2;
+    using Doubles [[gnu::vector_size(16)]] = double;
+    using Mask [[gnu::vector_size(16)]] = std::int64_t;
+    using Ints [[gnu::vector_size(8)]] = int;
+};
+
+template <>
+struct Register<Instructions::kWide> {
+    static constexpr int kSize = 4;
+    using Doubles [[gnu::vector_size(32)]] = double;
+    using Mask [[gnu::vector_size(32)]] = std::int64_t;
+    using Ints [[gnu::vector_size(16)]] = int;
+};
 
 // `yes` where the condition holds, else `no`; both are evaluated.
 inline double select(bool condition, double yes, double no) {
     return condition ? yes : no;
 }
-[[gnu::always_inline]] inline Lanes select(const LaneMask& condition, const Lanes& yes,
-                                           const Lanes& no) {
+template <typename Mask, typename Doubles>
+[[gnu::always_inline]] inline Doubles select(const Mask& condition, const Doubles& yes,
+                                             const Doubles& no) {
     return condition ? yes : no;
 }
 
-// The part before the point; lanes take values from 0 to 2^31 - 1.
+// The part before the point; vectors take values from 0 to 2^31 - 1.
 inline double whole_part(double x) {
     return std::trunc(x);
 }
-[[gnu::always_inline]] inline Lanes whole_part(const Lanes& x) {
-    return __builtin_convertvector(__builtin_convertvector(x, IntLanes), Lanes);
+[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kPortable>::Doubles& x) {
+    using Types = Register<Instructions::kPortable>;
+    return __builtin_convertvector(__builtin_convertvector(x, Types::Ints), Types::Doubles);
+}
+[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kWide>::Doubles& x) {
+    using Types = Register<Instructions::kWide>;
+    return __builtin_convertvector(__builtin_convertvector(x, Types::Ints), Types::Doubles);
 }
 
 }  // namespace vort

@@ -1,11 +1,11 @@
-// The five-model statistics of a block of markers, eight at a time.
+// The five-model statistics of a block of markers, several at a time.
 #pragma once
 
 #include "numeric/instructions.h"
 
 namespace vort {
 
-constexpr int kMarkerBlock = 128;  // a multiple of kLanes
+constexpr int kMarkerBlock = 128;  // a multiple of every register's doubles
 
 // One array for each field of GenotypeTable and of ModelStatistics, one element for each marker.
 struct TableBlock {

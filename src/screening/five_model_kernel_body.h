@@ -11,23 +11,25 @@ namespace vort {
 
 template <Instructions kInstructions>
 void FiveModelKernel<kInstructions>::statistics(const TableBlock& in, StatisticsBlock& out) {
-    for (int first = 0; first < kMarkerBlock; first += kLanes) {
-        GenotypeTable<Lanes> table;
-        std::memcpy(&table.a0, in.a0 + first, sizeof(Lanes));
-        std::memcpy(&table.a1, in.a1 + first, sizeof(Lanes));
-        std::memcpy(&table.a2, in.a2 + first, sizeof(Lanes));
-        std::memcpy(&table.b0, in.b0 + first, sizeof(Lanes));
-        std::memcpy(&table.b1, in.b1 + first, sizeof(Lanes));
-        std::memcpy(&table.b2, in.b2 + first, sizeof(Lanes));
-        std::memcpy(&table.R, in.R + first, sizeof(Lanes));
-        std::memcpy(&table.S, in.S + first, sizeof(Lanes));
-        ModelStatistics<Lanes> statistics;
-        five_model_statistics<Lanes>(table, statistics);
-        std::memcpy(out.additive + first, &statistics.additive, sizeof(Lanes));
-        std::memcpy(out.dominant + first, &statistics.dominant, sizeof(Lanes));
-        std::memcpy(out.recessive + first, &statistics.recessive, sizeof(Lanes));
-        std::memcpy(out.genotype + first, &statistics.genotype, sizeof(Lanes));
-        std::memcpy(out.classes + first, &statistics.classes, sizeof(Lanes));
+    using Doubles = typename Register<kInstructions>::Doubles;
+    constexpr std::size_t kBytes = sizeof(Doubles);
+    for (int first = 0; first < kMarkerBlock; first += Register<kInstructions>::kSize) {
+        GenotypeTable<Doubles> table;
+        std::memcpy(&table.a0, in.a0 + first, kBytes);
+        std::memcpy(&table.a1, in.a1 + first, kBytes);
+        std::memcpy(&table.a2, in.a2 + first, kBytes);
+        std::memcpy(&table.b0, in.b0 + first, kBytes);
+        std::memcpy(&table.b1, in.b1 + first, kBytes);
+        std::memcpy(&table.b2, in.b2 + first, kBytes);
+        std::memcpy(&table.R, in.R + first, kBytes);
+        std::memcpy(&table.S, in.S + first, kBytes);
+        ModelStatistics<Doubles> statistics;
+        five_model_statistics<Doubles>(table, statistics);
+        std::memcpy(out.additive + first, &statistics.additive, kBytes);
+        std::memcpy(out.dominant + first, &statistics.dominant, kBytes);
+        std::memcpy(out.recessive + first, &statistics.recessive, kBytes);
+        std::memcpy(out.genotype + first, &statistics.genotype, kBytes);
+        std::memcpy(out.classes + first, &statistics.classes, kBytes);
     }
 }
 

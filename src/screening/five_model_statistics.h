@@ -1,4 +1,4 @@
-// The statistics of the five-model test, written once for one marker and for eight side by side.
+// The statistics of the five-model test, written once for one marker and for several.
 //
 // With a_g and b_g the counts of genotype g in R genotyped cases and S genotyped controls:
 //
@@ -19,9 +19,9 @@
 //
 // Example: R = S = 100 and 2 a2 + a1 + b1 + 2 b2 = 300 give K = 133, not 133.33.
 //
-// Number is double or Lanes; all counts are whole numbers, R and S positive, 4RS below 2^31 for
-// lanes and below 2^52 for a double. A quotient of whole numbers that small never rounds up to the
-// next whole number, so K is exact.
+// Number is a double or a vector of them; all counts are whole numbers, R and S positive, 4RS below
+// 2^31 for lanes and below 2^52 for a double. A quotient of whole numbers that small never rounds
+// up to the next whole number, so K is exact.
 #pragma once
 
 #include "numeric/lanes.h"

@@ -1,12 +1,15 @@
 #include "screening/genotype_tile.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace vort {
 
 namespace {
 
 constexpr int kBitsOfAByte = 8;
+
+using Codes [[gnu::vector_size(16)]] = signed char;
 
 }  // namespace
 
@@ -21,34 +24,48 @@ GenotypeTile::GenotypeTile(int individuals)
 
 void GenotypeTile::load(char* const* rows, int first, int count) {
     columns_ = count;
+    if (count == kColumns) {
+        for (int i = 0; i < individuals_; i += kBitsOfAByte) {
+            const char* group[kBitsOfAByte];
+            const int size = std::min(kBitsOfAByte, individuals_ - i);
+            for (int r = 0; r < size; ++r) group[r] = rows[i + r] + first;
+            load_group(group, size, static_cast<std::size_t>(i / kBitsOfAByte));
+        }
+        return;
+    }
+    // The last columns of the matrix: rows of a whole tile's length, padded.
     for (int i = 0; i < individuals_; i += kBitsOfAByte) {
-        load_group(rows + i, first, std::min(kBitsOfAByte, individuals_ - i),
-                   static_cast<std::size_t>(i / kBitsOfAByte));
+        char padded[kBitsOfAByte][kColumns] = {};
+        const char* group[kBitsOfAByte];
+        const int size = std::min(kBitsOfAByte, individuals_ - i);
+        for (int r = 0; r < size; ++r) {
+            std::copy_n(rows[i + r] + first, count, padded[r]);
+            group[r] = padded[r];
+        }
+        load_group(group, size, static_cast<std::size_t>(i / kBitsOfAByte));
     }
 }
 
-// Up to eight rows become one byte of every plane. The loop over columns has no branch and no
-// dependence between columns, so it runs on as many of them at a time as the machine can.
-void GenotypeTile::load_group(char* const* rows, int first, int rows_in_group, std::size_t group) {
-    unsigned char one[kColumns] = {};
-    unsigned char two[kColumns] = {};
-    unsigned char missing[kColumns] = {};
-    char codes[kColumns] = {};
-    for (int r = 0; r < rows_in_group; ++r) {
-        std::copy_n(rows[r] + first, columns_, codes);
-        const auto bit = static_cast<unsigned char>(1U << r);
-        for (int c = 0; c < kColumns; ++c) {
-            one[c] |= static_cast<unsigned char>(codes[c] == 1 ? bit : 0);
-            two[c] |= static_cast<unsigned char>(codes[c] == 2 ? bit : 0);
-            missing[c] |= static_cast<unsigned char>(codes[c] == -1 ? bit : 0);
+// Up to eight rows become one byte of every plane, sixteen columns at a time.
+void GenotypeTile::load_group(const char* const* rows, int size, std::size_t group) {
+    constexpr int kParts = kColumns / static_cast<int>(sizeof(Codes));
+    Codes plane[kPlanes][kParts] = {};
+    for (int r = 0; r < size; ++r) {
+        __builtin_prefetch(rows[r] + kColumns);  // the next tile's part of a row is far from here
+        const Codes bit = Codes{} + static_cast<signed char>(1U << r);
+        for (int part = 0; part < kParts; ++part) {
+            Codes codes;
+            std::memcpy(&codes, rows[r] + part * sizeof codes, sizeof codes);
+            plane[0][part] |= (codes == 1) & bit;
+            plane[1][part] |= (codes == 2) & bit;
+            plane[2][part] |= (codes == -1) & bit;
         }
     }
+    unsigned char byte[kPlanes][kColumns];
+    std::memcpy(byte, plane, sizeof byte);
     unsigned char* out = bits_.data() + group;
     for (int c = 0; c < columns_; ++c) {
-        out[0] = one[c];
-        out[plane_size_] = two[c];
-        out[2 * plane_size_] = missing[c];
-        out += kPlanes * plane_size_;
+        for (int p = 0; p < kPlanes; ++p, out += plane_size_) *out = byte[p][c];
     }
 }
 

@@ -36,7 +36,7 @@ class GenotypeTile {
     const unsigned char* column(int c) const { return bits_.data() + c * kPlanes * plane_size_; }
 
   private:
-    void load_group(char* const* rows, int first, int rows_in_group, std::size_t group);
+    void load_group(const char* const* rows, int size, std::size_t group);
 
     int individuals_;
     std::size_t plane_size_;

@@ -108,17 +108,16 @@ MinimumScreening::Models MinimumScreening::models_of(int slot) const {
 }
 
 // A marker of one genotype has no degree of freedom left, and the p-value 1.
-void MinimumScreening::list_significant(int slot, int marker, const Models& models,
-                                        ScreeningResult& result) {
+void MinimumScreening::list_significant(int slot, int marker, const Models& models) {
     for (int model = 0; model < kModels; ++model) {
         const auto [df, statistic] = models[model];
         if (df < 1 || statistic < kSignificantFrom[df]) continue;
         const double pvalue = 1 - pchisq(df, statistic);
         if (!(pvalue <= kSignificant)) continue;
         if (state_[slot] == State::kDropped) {
-            ++result.dropped_significant[model];
+            ++result_.dropped_significant[model];
         } else {
-            result.significant[model].push_back({marker, pvalue});
+            result_.significant[model].push_back({marker, pvalue});
         }
     }
 }
@@ -144,22 +143,22 @@ void MinimumScreening::queue_candidates(int slot, const Models& models) {
     }
 }
 
-void MinimumScreening::finish_block(int first, int size, ScreeningResult& result) {
+void MinimumScreening::finish_block(int first, int size) {
     for (const auto& [slot, pvalue] : queue_.take()) {
         minimum_[slot] = std::min(minimum_[slot], pvalue);
     }
     for (int slot = 0; slot < size; ++slot) {
         const int marker = first + slot + 1;
-        result.minimum.push_back({minimum_[slot], marker});
+        result_.minimum.push_back({minimum_[slot], marker});
         if (minimum_[slot] <= kMinimumSignificant) {
-            result.minimum_significant.push_back({marker, minimum_[slot]});
+            result_.minimum_significant.push_back({marker, minimum_[slot]});
         }
     }
 }
 
-ScreeningResult MinimumScreening::screen(const int* packed) {
-    ScreeningResult result;
-    result.minimum.reserve(static_cast<std::size_t>(markers_));
+ScreeningResult& MinimumScreening::screen(const int* packed) {
+    result_.clear();
+    result_.minimum.reserve(static_cast<std::size_t>(markers_));
     for (int first = 0; first < markers_; first += kMarkerBlock) {
         const int size = std::min(kMarkerBlock, markers_ - first);
         load_block(packed, first, size);
@@ -170,15 +169,15 @@ ScreeningResult MinimumScreening::screen(const int* packed) {
         }
         minimum_.fill(1.0);
         for (int slot = 0; slot < size; ++slot) {
-            if (state_[slot] == State::kDropped) ++result.dropped;
+            if (state_[slot] == State::kDropped) ++result_.dropped;
             if (table_.R[slot] == 0 || table_.S[slot] == 0) continue;
             const Models models = models_of(slot);
-            list_significant(slot, first + slot + 1, models, result);
+            list_significant(slot, first + slot + 1, models);
             if (state_[slot] == State::kTested) queue_candidates(slot, models);
         }
-        finish_block(first, size, result);
+        finish_block(first, size);
     }
-    return result;
+    return result_;
 }
 
 }  // namespace vort

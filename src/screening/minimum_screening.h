@@ -31,8 +31,8 @@ class MinimumScreening {
     // False where the statistics of groups of these sizes could not be computed in lanes.
     static bool fits(GroupSizes sizes);
 
-    // The result of the data set whose packed counts these are.
-    ScreeningResult screen(const int* packed);
+    // The result of the data set whose packed counts these are. Valid until the next call.
+    ScreeningResult& screen(const int* packed);
 
   private:
     struct Model {
@@ -45,9 +45,9 @@ class MinimumScreening {
 
     void load_block(const int* packed, int first, int size);
     Models models_of(int slot) const;
-    void list_significant(int slot, int marker, const Models& models, ScreeningResult& result);
+    void list_significant(int slot, int marker, const Models& models);
     void queue_candidates(int slot, const Models& models);
-    void finish_block(int first, int size, ScreeningResult& result);
+    void finish_block(int first, int size);
 
     const CountedDataSets& counts_;
     int markers_;
@@ -55,6 +55,7 @@ class MinimumScreening {
     MissingLimits limits_;
     Instructions instructions_;
     ChiSquareQueue queue_;
+    ScreeningResult result_;
     TableBlock table_{};
     StatisticsBlock statistics_{};
     std::array<State, kMarkerBlock> state_{};

@@ -133,8 +133,7 @@ void DataSetScreening::screen(int d) {
         return;
     }
     const std::time_t start = std::time(nullptr);
-    ScreeningResult result = counts_->screening.screen(rankings_[d]);
-    show(result, start, rankings_[d]);
+    show(counts_->screening.screen(rankings_[d]), start, rankings_[d]);
 }
 
 }  // namespace vort

@@ -20,6 +20,15 @@ struct Finding {
 };
 
 struct ScreeningResult {
+    // Forgets everything but the room that it took.
+    void clear() {
+        for (auto& findings : significant) findings.clear();
+        minimum_significant.clear();
+        dropped = 0;
+        dropped_significant = {};
+        minimum.clear();
+    }
+
     // In ascending order of markers.
     std::array<std::vector<Finding>, kModels> significant;
     std::vector<Finding> minimum_significant;
