@@ -109,7 +109,10 @@ void check_entry(const ParameterEntry& entry) {
         return;
     }
     check_name(entry, *row);
-    if (entry.is_text) {
+    if (entry.is_text && row->expected != Expected::kText) {
+        say("parameter values that are no number", entry,
+            "a name that starts with I, or has y in second place, takes a text; 0 is used");
+    } else if (entry.is_text) {
         check_text(entry);
     } else {
         check_number(entry);
@@ -117,11 +120,17 @@ void check_entry(const ParameterEntry& entry) {
     }
 }
 
+// The screening takes its permutations from either of two kinds of names.
+Parameter setting_of(std::string_view name) {
+    const Parameter parameter = parameter_of(name);
+    return parameter == Parameter::kReplicates ? Parameter::kPermutations : parameter;
+}
+
 void check_repeated(const std::vector<ParameterEntry>& entries, std::size_t i) {
-    const Parameter parameter = parameter_of(entries[i].name);
+    const Parameter parameter = setting_of(entries[i].name);
     if (known(parameter) == nullptr) return;
     for (std::size_t before = 0; before < i; ++before) {
-        if (parameter_of(entries[before].name) == parameter) {
+        if (setting_of(entries[before].name) == parameter) {
             say("parameters given twice", entries[i],
                 "given before in line " + std::to_string(entries[before].line) +
                     "; the last value is used");
@@ -141,7 +150,7 @@ void diagnose_parameters(const ParameterFile& file) {
     for (std::size_t i = used.size(); i < file.entries.size(); ++i) {
         if (file.entries[i].name.empty()) continue;
         say("parameters ignored", file.entries[i],
-            "ignored, since names that start with no letter stand before it");
+            "ignored: for each name that starts with no letter the last entry is left out");
     }
     if (file.line_count > static_cast<int>(file.entries.size())) {
         diagnose("parameters ignored", kParameterFileName, 0,

@@ -35,6 +35,16 @@ bool whole_number(std::string_view text, T& out) {
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
+// A number too small for a double, which reads as 0.
+bool is_tiny(std::string_view text) {
+    text = without_plus(text);
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    return result.ec == std::errc::result_out_of_range && result.ptr == text.data() + text.size() &&
+           text.find_first_of("eE") != std::string_view::npos &&
+           text[text.find_first_of("eE") + 1] == '-';
+}
+
 }  // namespace
 
 TextInput::TextInput(const std::string& path, const char* mode)
@@ -140,7 +150,7 @@ bool TextInput::real(double& out) {
     out = 0.0;
     if (!start_item()) return false;
     collect_number(true);
-    if (whole_number(number_, out)) return true;
+    if (whole_number(number_, out) || is_tiny(number_)) return true;
     out = 0.0;
     failed_ = true;
     return false;

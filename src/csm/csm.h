@@ -174,7 +174,8 @@ class CSM {
 
     int kept_by_step_up(int k, int tested, const std::vector<double>& pvalue,
                         const std::vector<int>& order) const;
-    std::vector<double> test_all_sets(int k, const bitset& filter, int* tested);
+    std::vector<double> test_markers(int* tested);
+    std::vector<double> test_pairs(const bitset& filter, int* tested);
 
     SetCells form_cells(int k, int c) const;
     void cluster_cells(int k, const SetCells& cells, int g, int* group_of_cell);

@@ -24,9 +24,11 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <span>
 #include <vector>
 
 #include "csm/csm.h"
+#include "csm/pair_sums.h"
 #include "numeric/combinations.h"
 #include "numeric/distributions.h"
 #include "numeric/index_sort.h"
@@ -38,6 +40,28 @@ namespace {
 
 // Stands for "not tested": sorts behind every p-value.
 constexpr double kNotTested = 100.0;
+
+// Sets are announced on the console by the hundred, pairs by the thousand.
+constexpr int kAnnounceMarkers = 100;
+constexpr int kAnnouncePairs = 1000;
+
+// The quick test of a marker set, from the sums and counts of its cells.
+double quick_pvalue(std::span<const double> cell_sum, std::span<const int> cell_count, int n,
+                    double sigma) {
+    double total = 0;
+    for (const double sum : cell_sum) total += sum;
+    const double ybar = total / n;
+    double S = 0;
+    int seen = 0;
+    for (std::size_t cell = 0; cell < cell_sum.size(); ++cell) {
+        if (cell_count[cell] == 0) continue;
+        const double deviation = cell_sum[cell] / cell_count[cell] - ybar;
+        S += (deviation * deviation) * cell_count[cell];
+        ++seen;
+    }
+    S = S / sigma;
+    return seen < 2 ? 0.5 : 1 - pchisq(seen - 1, S);
+}
 
 int number_of_sets(int m, int k, int** choose_table) {
     return m < k ? 0 : choose_table[m][k];
@@ -79,38 +103,43 @@ double CSM::test_quantitive(int k, int c) {
         cell_sum[code] += yy[i];
         ++cell_count[code];
     }
-    double total = 0;
-    for (const double sum : cell_sum) total += sum;
-    const double ybar = total / Sample_size;
-    double S = 0;
-    int seen = 0;
-    for (int cell = 0; cell < cells; ++cell) {
-        if (cell_count[cell] == 0) continue;
-        const double deviation = cell_sum[cell] / cell_count[cell] - ybar;
-        S += (deviation * deviation) * cell_count[cell];
-        ++seen;
-    }
-    S = S / sigma;
-    return seen < 2 ? 0.5 : 1 - pchisq(seen - 1, S);
+    return quick_pvalue(cell_sum, cell_count, Sample_size, sigma);
 }
 
-// P-values of all sets of order k, elements 1 .. N. A pair with a marker outside the filter is not
-// tested.
-std::vector<double> CSM::test_all_sets(int k, const bitset& filter, int* tested) {
-    const int m = usable_markers();
-    const int N = number_of_sets(m, k, choose_table.data());
-    const int announce_every = k == 2 ? 1000 : 100;
+// P-values of the single markers, elements 1 .. N.
+std::vector<double> CSM::test_markers(int* tested) {
+    const int N = number_of_sets(usable_markers(), 1, choose_table.data());
     std::vector<double> pvalue(static_cast<std::size_t>(N) + 1);
-    *tested = 0;
     for (int c = 1; c <= N; ++c) {
-        if (c % announce_every == 0) std::cout << "j=" << c << '\n';
-        std::array<int, 4> marker{};
-        if (k == 2) sortchoose1(c, m, k, marker.data());
-        if (k == 2 && (filter[marker[1]] == 0 || filter[marker[2]] == 0)) {
-            pvalue[c] = kNotTested;
-        } else {
-            pvalue[c] = Test(k, c);
-            ++*tested;
+        if (c % kAnnounceMarkers == 0) std::cout << "j=" << c << '\n';
+        pvalue[c] = Test(1, c);
+    }
+    *tested = N;
+    return pvalue;
+}
+
+// P-values of the pairs, elements 1 .. N. A pair with a marker outside the filter is not tested.
+std::vector<double> CSM::test_pairs(const bitset& filter, int* tested) {
+    const int m = usable_markers();
+    const int N = number_of_sets(m, 2, choose_table.data());
+    std::vector<double> pvalue(static_cast<std::size_t>(N) + 1);
+    PairSums sums(Tgen.data(), yy.data(), missing_set, Sample_size, m);
+    std::array<PairCells, PairSums::kAtOnce> cells;
+    *tested = 0;
+    int c = 1;
+    for (int a = 1; a < m; ++a) {
+        for (int first = a + 1; first <= m; first += PairSums::kAtOnce) {
+            const int size = std::min(PairSums::kAtOnce, m + 1 - first);
+            sums.sum(a, first, std::span(cells).first(static_cast<std::size_t>(size)));
+            for (int p = 0; p < size; ++p, ++c) {
+                if (c % kAnnouncePairs == 0) std::cout << "j=" << c << '\n';
+                if (filter[a] == 0 || filter[first + p] == 0) {
+                    pvalue[c] = kNotTested;
+                    continue;
+                }
+                pvalue[c] = quick_pvalue(cells[p].sum, cells[p].count, Sample_size, sigma);
+                ++*tested;
+            }
         }
     }
     return pvalue;
@@ -140,7 +169,7 @@ int CSM::bestsetper1(BestClusterInformationArray* array) {
     int kept_of_all_orders = 0;
     for (int k = 1; k <= max_order; ++k) {
         int tested = 0;
-        std::vector<double> pvalue = test_all_sets(k, filter, &tested);
+        std::vector<double> pvalue = k == 1 ? test_markers(&tested) : test_pairs(filter, &tested);
         const int N = static_cast<int>(pvalue.size()) - 1;
         std::vector<int> order(pvalue.size());
         if (N > 0) Quickindex(pvalue.data(), order.data(), N);

@@ -101,7 +101,9 @@ void read_table(TextInput& input, Take take) {
             return;
         }
         if (first_time) diagnose_entry(entry, chromosome_before);
-        chromosome_before = std::max(chromosome_before, entry.chromosome);
+        if (entry.chromosome <= kChromosomes) {
+            chromosome_before = std::max(chromosome_before, entry.chromosome);
+        }
         take(i, entry);
     }
 }

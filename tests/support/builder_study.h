@@ -25,7 +25,8 @@
 
 namespace vort::testing {
 
-// A fresh folder to work in; every global of the builder and the ensemble stage at its start value.
+// A fresh folder to work in; nothing on the console that no test looks at; every global of the
+// builder and the ensemble stage at its start value.
 class BuilderTest : public ::testing::Test {
   protected:
     BuilderTest() { reset(); }
@@ -49,6 +50,7 @@ class BuilderTest : public ::testing::Test {
     }
 
     TemporaryFolder folder_;
+    ConsoleCapture quiet_;
 };
 
 // For the ends of the program: death tests look at standard error.
@@ -155,5 +157,30 @@ inline std::vector<std::string> random_genotypes(std::mt19937_64& random, int n,
     }
     return rows;
 }
+
+// A study of any awkward shape: few individuals, one group empty, nearly everything missing, a
+// phenotype of three values. `individuals` 0 leaves their number to chance.
+struct Shape {
+    explicit Shape(std::uint64_t seed, int individuals = 0) : random(seed), n(individuals) {
+        if (n == 0) n = 1 + static_cast<int>(random() % 70);
+        m = 1 + static_cast<int>(random() % 12);
+        const unsigned kind = random() % 8;
+        for (int i = 0; i < n; ++i) {
+            const unsigned values = kind == 0 ? 3 : 2;
+            phenotype.push_back(static_cast<short>(random() % values));
+            if (kind == 1) phenotype.back() = 0;
+            if (kind == 2) phenotype.back() = 1;
+        }
+        const unsigned missing[] = {0, 0, 30, 150, 600, 1000};
+        genotypes = random_genotypes(random, n, m, missing[random() % 6], phenotype);
+        write_settings({n, m, static_cast<int>(random() % 6), 0, random() % 2 == 0 ? "1" : "0.3"});
+    }
+
+    std::mt19937_64 random;
+    int n;
+    int m;
+    std::vector<short> phenotype;
+    std::vector<std::string> genotypes;
+};
 
 }  // namespace vort::testing

@@ -9,6 +9,16 @@
 
 namespace vort::testing {
 
+// Lines "3: text", or "text" where there is no line number, as they read for `file`.
+inline std::string said_of(const std::string& file, const std::string& lines) {
+    std::string text;
+    for (const char c : lines) {
+        if (text.empty() || text.back() == '\n') text += file + (c >= '0' && c <= '9' ? ":" : ": ");
+        text += c;
+    }
+    return text;
+}
+
 class DiagnosticsCapture {
   public:
     DiagnosticsCapture() : before_(std::cerr.rdbuf(text_.rdbuf())) {

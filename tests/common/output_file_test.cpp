@@ -1,0 +1,98 @@
+// What is said on standard error: the report files, and the counting of lines of a kind.
+#include "common/output_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "common/diagnostics.h"
+#include "common/memory_check.h"
+#include "support/diagnostics_capture.h"
+#include "support/program_end.h"
+#include "support/temporary_folder.h"
+
+namespace vort {
+namespace {
+
+using vort::testing::DiagnosticsCapture;
+using vort::testing::read_file;
+using vort::testing::status_zero;
+using vort::testing::TemporaryFolder;
+using vort::testing::write_file;
+
+TEST(OutputFile, TruncatesOrAppends) {
+    const TemporaryFolder folder;
+    DiagnosticsCapture diagnostics;
+    write_file("report", "before\n");
+    {
+        OutputFile file("report", OutputFile::Mode::kAppend);
+        EXPECT_TRUE(file.is_open());
+        file << "after " << 2 << '\n';
+    }
+    EXPECT_EQ(read_file("report"), "before\nafter 2\n");
+    OutputFile file("report", OutputFile::Mode::kTruncate);
+    file << 3;
+    file.close();
+    file.close();
+    EXPECT_EQ(read_file("report"), "3");
+    EXPECT_EQ(diagnostics.take(), "");
+}
+
+TEST(OutputFile, SaysWhatItCouldNotOpen) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory("folder");
+    for (const std::string path : {"folder", "absent/report", ""}) {
+        for (const auto mode : {OutputFile::Mode::kTruncate, OutputFile::Mode::kAppend}) {
+            DiagnosticsCapture diagnostics;
+            OutputFile file(path, mode);
+            EXPECT_FALSE(file.is_open());
+            file << "lost";
+            file.close();
+            EXPECT_EQ(diagnostics.take(),
+                      path + ": could not be opened for writing; its contents are lost\n");
+        }
+    }
+}
+
+// /dev/full opens, and every write to it finds the disk full.
+TEST(OutputFile, SaysWhatItCouldNotWrite) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no /dev/full here";
+    for (const std::size_t size : {1UL, 1000000UL}) {  // written at the end, and on the way
+        DiagnosticsCapture diagnostics;
+        { OutputFile("/dev/full", OutputFile::Mode::kTruncate) << std::string(size, 'x'); }
+        EXPECT_EQ(diagnostics.take(),
+                  "/dev/full: could not be fully written (is the disk full?)\n");
+    }
+}
+
+TEST(Diagnostics, HoldsBackAllButTenLinesOfAKind) {
+    DiagnosticsCapture diagnostics;
+    std::string expected;
+    for (int line = 1; line <= 12; ++line) {
+        diagnose("odd rows", "data", line, "odd");
+        if (line <= 10) expected += "data:" + std::to_string(line) + ": odd\n";
+        if (line <= 10) diagnose("whole files", "other", 0, "no line");
+        if (line <= 10) expected += "other: no line\n";
+    }
+    EXPECT_EQ(diagnostics.take(), expected + "... and 2 more odd rows\n");
+    diagnose("odd rows", "data", 13, "odd");
+    EXPECT_EQ(diagnostics.take(), "data:13: odd\n") << "the counts are forgotten";
+}
+
+TEST(DiagnosticsEnd, CountsAreWrittenWhenTheProgramEnds) {
+    const auto eleven = [] {
+        for (int i = 0; i < 11; ++i) diagnose("odd ends", "data", 0, "odd");
+        std::exit(0);
+    };
+    EXPECT_EXIT(eleven(), status_zero(), "\\.\\.\\. and 1 more odd ends\n$");
+}
+
+TEST(RequireMemoryEnd, SizesBeyondTheMachineEndTheProgram) {
+    require_memory(1e6, "a little");
+    EXPECT_EXIT(require_memory(3e18, "all that"), status_zero(),
+                "parameter.txt: all that would take 3e\\+09 GB, more than the [0-9.]+ GB");
+}
+
+}  // namespace
+}  // namespace vort

@@ -1,0 +1,150 @@
+// The main report, every row of it worked by hand.
+#include "ensemble/final_report.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "support/builder_study.h"
+
+namespace vort::testing {
+namespace {
+
+using ::testing::HasSubstr;
+
+output_information learner(int id, std::vector<int> markers, std::vector<int> cells, double beta,
+                           double importance, std::vector<int> cluster) {
+    output_information one;
+    one.id = id;
+    one.nmarker = static_cast<int>(markers.size());
+    std::copy(markers.begin(), markers.end(), one.marker.begin() + 1);
+    one.ncell = static_cast<int>(cells.size());
+    std::copy(cells.begin(), cells.end(), one.cell.begin());
+    one.beta = beta;
+    one.importance = importance;
+    std::copy(cluster.begin(), cluster.end(), one.cluster.begin());
+    return one;
+}
+
+class FinalReport : public BuilderTest {
+  protected:
+    FinalReport() {
+        write_file("parameter.txt", "\n \nA 1\n");
+        study_.add_data_set({1, 1, 1, 1, 0, 0, 0, 0}, {1, 0, 3});
+    }
+
+    std::vector<int> report(std::vector<output_information> learners, int ranked,
+                            std::vector<int> markers, std::vector<int> importance) {
+        std::array<int, 10> first{1, 0, 2, 7, 7, 7, 7, 7, 7, 7};
+        std::array<int, 10> last{-1, 2, 2, 7, 7, 7, 7, 7, 7, 7};
+        const ConsoleCapture console;
+        const std::unique_ptr<int[]> list(Final_result(
+            1, 0, 0, study_.x(), study_.y(), study_.rankings(), 0, 0, study_.individuals(), ranked,
+            static_cast<int>(learners.size()), learners.data(), importance.data(),
+            static_cast<int>(markers.size()), markers.data(), first.data(), last.data()));
+        console_ = console.text();
+        std::vector<int> result;
+        for (int i = 0; result.empty() || result.back() > 0; ++i) result.push_back(list[i]);
+        return result;
+    }
+
+    // Four cases, four controls. By rank: marker 1 has 3 and 1 cases among four each of genotypes
+    // 0 and 1; marker 2 as many cases as controls in genotypes 0 and 1; marker 3 does not vary.
+    Study study_{{"0012", "0012", "-012", "1112", "0012", "0112", "-112", "1112"},
+                 {0, 0, 0, 0, 0, 0, 0, 0}};
+    std::string console_;
+};
+
+// z is 0.25 / sqrt(4 * 2/64 / 4) = sqrt 2 for marker 1; for the pair's 0/0, 2 of 3, it is
+// (1/6) / sqrt(5 * 2/64 / 3) = sqrt(8/15), for its 1/0, none of one, -0.5 / sqrt(14/64). Tails:
+// erfc(z / sqrt 2).
+TEST_F(FinalReport, EverySection) {
+    const std::vector<int> nine = {0, 1, 0, 1, 0, 0, 0, 0, 3};
+    std::vector<output_information> learners = {
+        learner(1, {1}, {0}, 0.5, 3, {0, 1, 2}),     learner(2, {1}, {1, 2}, -0.25, 1, {0, 1, 2}),
+        learner(3, {2}, {}, 1, 2, {0, 0, 0}),        learner(4, {1, 2}, {}, 0.125, 2, nine),
+        learner(5, {1, 2}, {3, 8}, 0.0625, 1, nine), learner(6, {1}, {0, 1, 2}, -10, 1, {}),
+        learner(7, {2}, {1}, 1000.5, 0, {1, 2, 1})};
+    learners[0].average = 0.75;
+    const std::vector<int> list = report(learners, 3, {2, 1}, {2, 1});
+    EXPECT_EQ(list, (std::vector<int>{2, 1, -1}));
+    const auto blanks = [](int count) { return std::string(static_cast<std::size_t>(count), ' '); };
+    const std::string tabs = "\t\t\t\t\t\t\t ";
+    const std::string marker_2 =
+        "\nMarker\t 2\nGenotype\t\t\t 0\t\t1\t\t2\t\t\n# of cases/# of controls\t 2/2\t\t1/1\t\t0/0"
+        "\t\t\nStatistic value\t\t\t 0\t\t0\t\t0\t\t \nP-value\t\t\t\t 1\t\t 1\t\t 0.999992\t \n";
+    const std::string body =
+        "The final Model information\n===========================\n"
+        "Base Learner         Intercept      X1       X2       X3       X4       X5       X6       "
+        "X7       \n"
+        "Coefficient          0.125      0.500   -0.250    1.000    0.125    0.062  -10.000  "
+        "1000.500  \n"
+        "\nVariable (Base learner) information in the final model\n"
+        "======================================================\n"
+        "Base learner \t Marker involved \t Base learner function \t\t\t\t\t\t\t Important "
+        "measure\n"
+        "X1\t\t\t1 \t\tI{ 0  }" +
+        blanks(12) + tabs + "30\n" + "X2\t\t\t1 \t\tI{ 1 2  }" + blanks(6) + tabs + "10\n" +
+        "X3\t\t\t2 \t\tI{  }" + blanks(18) + tabs + "20\n" + "X4\t\t\t1 2 \t\tI{ 0/0 }" +
+        blanks(48) + "\t\t 20\n" + "X5\t\t\t1 2 \t\tI{ 1/0 or 2/2 }" + blanks(42) + "\t\t 10\n" +
+        "X6\t\t\t1 \t\tI{ 0 1 2  }" + tabs + "10\n" + "X7\t\t\t2 \t\tI{ 1  }" + blanks(12) + tabs +
+        "0\n" +
+        "\nMarkers or Marker combinations involved in the final model\n"
+        "\n==========================================================\n"
+        "Single Marker \n"
+        "\nMarker\t 1\nGenotype\t\t\t 0\t\t1\t\t2\t\t\n# of cases/# of controls\t 3/1\t\t1/3\t\t0/0"
+        "\t\t\nStatistic value\t\t\t 1.414\t\t -1.414\t\t 0\t\t \n"
+        "P-value\t\t\t\t 0.157299\t 0.157299\t 0.999992\t \n"
+        "Clustering results: 3 groups \t S1={0}\tS2={1}\tS3={2}\t\n" +
+        marker_2 + "Clustering results: 1 groups \t S1={0,1,2}\t\n" + marker_2 +
+        "Clustering results: 0 groups \t S1={0,2}\tS2={1}\t\n"
+        "\n\nTwo-locus combinations \n"
+        "\nMarkers\t 1,2\n"
+        "Genotype\t\t\t 0/0\t\t0/1\t\t0/2\t\t1/0\t\t1/1\t\t1/2\t\t2/0\t\t2/1\t\t2/2\t\t\n"
+        "# of cases/# of controls\t "
+        "2/1\t\t0/0\t\t0/0\t\t0/1\t\t1/1\t\t0/0\t\t0/0\t\t0/0\t\t0/0\t\t\n"
+        "Statistic value\t\t\t "
+        "0.73\t\t 0\t\t 0\t\t -1.069\t\t 0.99999\t 0\t\t 0\t\t 0\t\t 0\t\t \n"
+        "P-value\t\t\t\t 0.465209\t 0.999992\t 0.999992\t 0.285049\t 0.99999\t 0.999992\t "
+        "0.999992\t 0.999992\t 0.999992\t \n"
+        "Clustering results: 2 groups \t S1={0/0,0/2,1/1,1/2,2/0,2/1}\tS2={0/1,1/0}\tS3={2/2}\t\n"
+        "\n\n\n\nImportant measure of the markers involved in the final model\n"
+        "============================================================\n"
+        "Marker   : 2\t 1\t \nImportant: 66.6\t 33.3\t \n";
+    EXPECT_EQ(read_file("Final_result.txt"),
+              "A 1\n\nThe first ten marker of first individual 1 0 2 \n"
+              "The first ten marker of last  individual -1 2 2 \n\n" +
+                  body);
+    std::string echo = body;
+    echo.insert(echo.find("Single Marker \n"), "sigma1=2 y_bar=0.5\n");
+    EXPECT_EQ(console_, echo);
+}
+
+// In a cell that holds everybody the statistic is 0/0.
+TEST_F(FinalReport, MarkerThatDoesNotVary) {
+    EXPECT_EQ(report({learner(1, {3}, {2}, 1, 1, {})}, 3, {3}, {0}), (std::vector<int>{3, -1}));
+    const std::string text = read_file("Final_result.txt");
+    EXPECT_THAT(text, HasSubstr("of controls\t 0/0\t\t0/0\t\t4/4\t\t\n"));
+    EXPECT_THAT(text, HasSubstr("\nStatistic value\t\t\t 0\t\t 0\t\t -2.14748e+06\t\t \n"));
+    EXPECT_THAT(text, HasSubstr("\nP-value\t\t\t\t 0.999992\t 0.999992\t -nan\t \n"));
+    EXPECT_THAT(text, HasSubstr("\nImportant: -2.14748e+08\t \n")) << "0 of 0 is no number";
+}
+
+TEST_F(FinalReport, ColumnsOfTwoDigits) {
+    std::vector<output_information> learners;
+    for (int id = 1; id <= 11; ++id) learners.push_back(learner(id, {1}, {0}, 0, 1, {}));
+    report(learners, 3, {1}, {5});
+    EXPECT_THAT(read_file("Final_result.txt"), HasSubstr("X9       X10       X11      \n"));
+}
+
+TEST_F(FinalReport, ListFillsAllRanksOrNone) {
+    const auto one = learner(1, {1}, {0}, 1, 1, {});
+    EXPECT_EQ(report({one}, 3, {3, 1, 2}, {3, 2, 1}), (std::vector<int>{3, 1, 2, -1}));
+    EXPECT_EQ(report({one}, 0, {1}, {1}), (std::vector<int>{-1}));
+    EXPECT_THAT(read_file("Final_result.txt"),
+                HasSubstr("of first individual \nThe first ten marker of last  individual \n"));
+}
+
+}  // namespace
+}  // namespace vort::testing
