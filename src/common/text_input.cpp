@@ -61,7 +61,8 @@ bool TextInput::refill() {
     std::memmove(buffer_.data(), buffer_.data() + next_, end_ - next_);
     end_ -= next_;
     next_ = 0;
-    if (end_ == buffer_.size()) buffer_.resize(2 * buffer_.size());
+    // Lines far shorter than the buffer keep what is moved to its front small.
+    if (end_ > buffer_.size() / 4) buffer_.resize(2 * buffer_.size());
     const std::size_t got =
         std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
     end_ += got;

@@ -4,7 +4,8 @@
 // end of the file; once it is not good every further read fails and stores a zero or an empty
 // text. It keeps a line number, so that whatever is wrong can be told with its place.
 //
-// Reading happens in blocks of one megabyte; a line longer than that makes the buffer grow to it.
+// Reading happens in blocks of a megabyte; long lines make the buffer grow to a few times their
+// length.
 #pragma once
 
 #include <cstddef>

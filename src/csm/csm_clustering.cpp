@@ -32,8 +32,8 @@ struct CellTest {
     double pvalue;
 };
 
-// The proportions' difference, its variance estimated with the group sizes crossed (p2 by n1, p1
-// by n2), which is how the method weighs them.
+// Pearson's statistic of two proportions: p1/n2 + p2/n1 is the variance of their difference with
+// both groups pooled.
 CellTest two_proportions(double p1, double p2, double n1, double n2) {
     CellTest test{kNoStatistic, kNoPvalue};
     if (p1 + p2 > 0) {

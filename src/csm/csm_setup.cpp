@@ -5,6 +5,8 @@
 #include <climits>
 #include <iostream>
 
+#include "common/diagnostics.h"
+#include "common/end_program.h"
 #include "common/memory_check.h"
 #include "csm/csm.h"
 #include "csm/globals.h"
@@ -121,7 +123,13 @@ void CSM::allocate() {
     require_memory(bytes, "the " + std::to_string(marker_num) + " best markers (Best_m) of " +
                               std::to_string(Sample_size) + " individuals (Sample_size)");
     const double pairs = m / 2.0 * (m - 1.0);
-    require_memory(pairs < INT_MAX ? 12.0 * pairs : 1e300,
+    if (pairs > INT_MAX) {
+        diagnose("sizes out of range", kParameterFileName, 0,
+                 "Best_m: at most 65536 was expected, not " + std::to_string(marker_num) +
+                     "; the pairs of more markers cannot be numbered");
+        end_program();
+    }
+    require_memory(12.0 * pairs,
                    "all pairs of the " + std::to_string(marker_num) + " best markers (Best_m)");
     choose_table = OffsetMatrix<int>(0, m, 0, max_order);
     Tgen = OffsetMatrix<int>(1, Sample_size, 1, m);

@@ -1,6 +1,7 @@
 #include "csm/permuted_cells.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "numeric/draw_positions.h"
 
@@ -31,7 +32,7 @@ PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, 
       labels_(labels_of(yy)),
       positions_(n_),
       lane_positions_(n_),
-      phenotype_(n_),
+      phenotype_(n_ * kLanes),
       sum_(cell_count_.size()) {
     if (with_sums) {
         const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
@@ -67,24 +68,28 @@ void PermutedCells::draw_phenotypes(int orders) {
     }
     labels_.refill();
     for (std::size_t c = 0; c < n_; ++c) {
-        double drawn[kLanes];
-        labels_.take(lane_positions_[c], value_, drawn);
-        std::memcpy(&phenotype_[c], drawn, sizeof drawn);
+        labels_.take(lane_positions_[c], value_, phenotype_.data() + c * kLanes);
     }
+}
+
+Lanes PermutedCells::phenotype(int i) const {
+    Lanes lanes;
+    std::memcpy(&lanes, phenotype_.data() + static_cast<std::size_t>(i) * kLanes, sizeof lanes);
+    return lanes;
 }
 
 void PermutedCells::sum_cells() {
     mean_ = Lanes{};
     if (with_sums_) {
         Lanes total{};
-        for (const int i : member_) total += phenotype_[i];
+        for (const int i : member_) total += phenotype(i);
         mean_ = total / static_cast<double>(member_.size());
     }
     const int* next = by_cell_.data();
     for (std::size_t c = 1; c < sum_.size(); ++c) {
         Lanes sum{};
         for (const int* const end = next + cell_count_[c]; next < end; ++next) {
-            sum += phenotype_[*next] - mean_;
+            sum += phenotype(*next) - mean_;
         }
         sum_[c] = sum;
     }

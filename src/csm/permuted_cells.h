@@ -45,6 +45,7 @@ class PermutedCells {
   private:
     void draw_phenotypes(int orders);
     void sum_cells();
+    Lanes phenotype(int i) const;
 
     std::size_t n_;
     bool with_sums_;
@@ -55,7 +56,7 @@ class PermutedCells {
     LabelLanes labels_;
     std::vector<int> positions_;
     std::vector<LabelLanes::Positions> lane_positions_;
-    std::vector<Lanes> phenotype_;  // of each individual, a lane for each order
+    std::vector<double> phenotype_;  // of each individual, kLanes values, one for each order
     Lanes mean_{};
     std::vector<Lanes> sum_;  // elements 1 .. ncell
 };

@@ -8,6 +8,7 @@
 // columns are orthogonal. Cost: n * s^2 for s selected columns. Source: R. D. Cook, S. Weisberg,
 // "Residuals and Influence in Regression" (1982), section 2.2.
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <iostream>
@@ -51,18 +52,25 @@ Matrix design(double** X, int n_row, std::span<const int> selected) {
     return A;
 }
 
-// (a'H)a for every row a.
+// (a'H)a for every row a. The sums of a'H run side by side, each in the order of its terms.
 std::vector<double> leverages(double** X, int n_row, std::span<const int> selected) {
     std::vector<double> result(static_cast<std::size_t>(n_row), 0.0);
     if (selected.empty()) return result;
+    const std::size_t s = selected.size();
     const Matrix A = design(X, n_row, selected);
     const Matrix H = !(~A * A);
-    for (std::size_t i = 0; i < A.RowNo(); ++i) {
-        for (std::size_t q = 0; q < A.ColNo(); ++q) {
-            double row_by_column = 0.0;
-            for (std::size_t p = 0; p < A.ColNo(); ++p) row_by_column += A(i, p) * H(p, q);
-            result[i] += row_by_column * A(i, q);
+    std::vector<double> h;
+    for (std::size_t p = 0; p < s; ++p) {
+        for (std::size_t q = 0; q < s; ++q) h.push_back(H(p, q));
+    }
+    std::vector<double> row_by_column(s);
+    for (std::size_t i = 0; i < result.size(); ++i) {
+        std::fill(row_by_column.begin(), row_by_column.end(), 0.0);
+        for (std::size_t p = 0; p < s; ++p) {
+            const double a = X[selected[p]][i];
+            for (std::size_t q = 0; q < s; ++q) row_by_column[q] += a * h[p * s + q];
         }
+        for (std::size_t q = 0; q < s; ++q) result[i] += row_by_column[q] * X[selected[q]][i];
     }
     return result;
 }

@@ -59,15 +59,19 @@ double variance_of(const double* values, double mean, int n) {
 double score_statistic(const std::vector<SelectedColumn>& columns, const double* Y, int n_row) {
     const std::size_t s = columns.size();
     const double y_mean = mean_of(Y, n_row);
-    Matrix S(s, s);
+    std::vector<double> squares(s * s);  // row after row
     Matrix U(s, 1);
     std::vector<double> d(s);
     for (int i = 0; i < n_row; ++i) {
         for (std::size_t p = 0; p < s; ++p) d[p] = columns[p].values[i] - columns[p].mean;
         for (std::size_t p = 0; p < s; ++p) {
-            for (std::size_t q = 0; q < s; ++q) S(p, q) += d[p] * d[q];
+            for (std::size_t q = 0; q < s; ++q) squares[p * s + q] += d[p] * d[q];
             U(p, 0) += (Y[i] - y_mean) * d[p];
         }
+    }
+    Matrix S(s, s);
+    for (std::size_t p = 0; p < s; ++p) {
+        for (std::size_t q = 0; q < s; ++q) S(p, q) = squares[p * s + q];
     }
     S *= variance_of(Y, y_mean, n_row);
     const Matrix T = ~U * !S * U;

@@ -65,21 +65,12 @@ void diagnose_stop(long line, int count, char c) {
     }
 }
 
-// A minus sign takes whatever stands behind it along; where that is a blank the row is out of step.
-void diagnose_lone_minus(long line, std::string_view text) {
-    for (std::size_t at = text.find('-'); at != std::string_view::npos;
-         at = text.find('-', at + 2)) {
-        const char behind = at + 1 < text.size() ? text[at + 1] : '\n';
-        if (behind >= '0' && behind <= '9') continue;
+void diagnose_row(long line, std::string_view text, const ParsedRow& row) {
+    if (row.lone_minus) {
         diagnose("minus signs without a digit", inputfilename, line,
                  "a missing genotype was expected to read -1; "
                  "the minus sign takes the character behind it along");
-        return;
     }
-}
-
-void diagnose_row(long line, std::string_view text, const ParsedRow& row) {
-    diagnose_lone_minus(line, text);
     const char* end = text.data() + text.size();
     const char* behind =
         std::find_if(row.behind, end, [](char c) { return c != ' ' && c != '\r'; });

@@ -8,6 +8,7 @@ namespace vort {
 struct ParsedRow {
     int count;           // genotypes that the row gave, at most the number asked for
     const char* behind;  // the first character that was not used
+    bool lone_minus;     // a minus sign had no digit behind it
 };
 
 // Reads up to `markers` genotypes from `text` into codes[0 .. count-1]; elements from `count` on

@@ -37,28 +37,28 @@ TEST_F(CsmSampleData, TakesTheRankedColumnsOfItsDataSet) {
 // The first draws from seeds 1, 3, 5 are (171/30269 + 516/30309 + 850/30323) mod 1 and so on:
 // 0.0507, 0.6596, 0.9607, 0.8330. Markers are walked before individuals.
 TEST_F(CsmSampleData, ImputesByTheMarkersOwnFrequencies) {
-    write_settings({5, 3});
-    //     column 1: 0.0507 is below 1/2; the next two above, so 2s, there being no 1.
+    write_settings({6, 3});
+    //     column 1: a third each, so 0.0507 is a 0, 0.6596 just a 1, and 0.9607 a 2.
     //     column 2: all 1, whatever is drawn.
     //     column 3: known nowhere; a draw is no share of nothing, so all are 2.
-    Study study({"01-", "-1-", "21-", "-1-", "-1-"}, {0, 1, 0, 1, 1});
-    study.add_data_set({0, 1, 0, 1, 1}, {1, 1, 1});
-    const ConsoleCapture console;
+    Study study({"01-", "-1-", "21-", "-1-", "-1-", "11-"}, {0, 1, 0, 1, 1, 0});
+    study.add_data_set({0, 1, 0, 1, 1, 0}, {1, 1, 1});
     CSM csm(prefix_);
+    const ConsoleCapture console;
     ASSERT_EQ(read(csm, study, 0), 0);
-    EXPECT_EQ(console.text(), "test_method=newCSM\nread data finished\n");
-    const int first[] = {0, 0, 2, 2, 2};
-    for (int i = 1; i <= 5; ++i) {
+    EXPECT_EQ(console.text(), "read data finished\n");
+    const int first[] = {0, 0, 2, 1, 2, 1};
+    for (int i = 1; i <= 6; ++i) {
         EXPECT_EQ(csm.Tgen[i][1], first[i - 1]) << i;
         EXPECT_EQ(csm.Tgen[i][3], 2);
-        EXPECT_EQ(csm.missing_set[i]->GetAt(1) != 0, i == 2 || i > 3);
+        EXPECT_EQ(csm.missing_set[i]->GetAt(1) != 0, i == 2 || i == 4 || i == 5);
         EXPECT_EQ(csm.missing_set[i]->GetAt(2), 0);
         EXPECT_NE(csm.missing_set[i]->GetAt(3), 0);
     }
     const std::array<int, 3> after = random_state();
     ASSERT_EQ(read(csm, study, 1), 0);
     EXPECT_EQ(random_state(), after);
-    for (int i = 1; i <= 5; ++i) EXPECT_EQ(csm.missing_set[i]->SizeofSet(), 0) << "left over";
+    for (int i = 1; i <= 6; ++i) EXPECT_EQ(csm.missing_set[i]->SizeofSet(), 0) << "left over";
 }
 
 TEST_F(CsmSampleData, OtherPhenotypesMakeTheTraitQuantitative) {

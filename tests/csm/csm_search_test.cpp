@@ -119,6 +119,27 @@ TEST_F(CsmSearch, KeepsTheSetsOfThePlainSearchInTheirOrder) {
     EXPECT_GT(longest, 4);
 }
 
+TEST_F(CsmSearch, PvalueOfExactlyAlphaPassesForMarkersOnly) {
+    write_settings({6, 2});
+    Study study({"00", "00", "01", "11", "11", "10"}, {0, 0, 0, 1, 1, 1});
+    CSM csm(prefix_);
+    take_in(csm, study);
+    for (const int k : {1, 2}) {
+        csm.alpha = csm.Test(k, 1);
+        BestClusterInformationArray array(10);
+        csm.bestsetper1(&array);
+        const bool kept = std::any_of(array.items.begin(), array.items.end(), [&](auto& record) {
+            return static_cast<int>(record->marker_count) == k;
+        });
+        EXPECT_EQ(kept, k == 1);
+        csm.alpha = std::nextafter(csm.alpha, k == 1 ? 0 : 1);
+        BestClusterInformationArray moved(10);
+        csm.bestsetper1(&moved);
+        EXPECT_EQ(moved.count() > array.count(), k == 2);
+        EXPECT_EQ(moved.count() < array.count(), k == 1);
+    }
+}
+
 TEST_F(CsmSearch, FewMarkersOrNoneWanted) {
     const Settings cases[] = {{4, 0}, {4, -3}, {4, 1, 0}, {4, 2, -1}, {4, 2, 10, 0, "0.000001"}};
     for (const Settings& settings : cases) {
