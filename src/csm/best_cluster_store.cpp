@@ -131,8 +131,8 @@ int BestClusterInformationArray::getbestmarker(const char* file) {
     if (!input.is_open()) return 0;
     std::map<int, long> behind_tag;  // the first block of each number counts
     for (long at = input.find(kNumberTag); at != 0; at = input.find(kNumberTag)) {
-        int number = -1;
-        input >> number;
+        int number = 0;
+        if (!(input >> number)) continue;
         // A file cannot hold more blocks than characters; beyond that a number is damage.
         if (number >= 0 && number < input.size()) behind_tag.emplace(number, at);
     }

@@ -40,7 +40,7 @@ int readbeta(const char* path, double** coefficients, int* nonzero, double** sec
         int j = 0;
         double value = 0;
         double v = 0;
-        input.word(word);
+        if (!input.word(word)) break;
         input.integer(j);
         std::cout << word << j;
         input.word(word);
@@ -48,6 +48,7 @@ int readbeta(const char* path, double** coefficients, int* nonzero, double** sec
         input.real(value);
         input.real(v);
         std::cout << general(value) << ' ';
+        if (input.failed()) break;
         if (j < 0 || j >= columns) {
             diagnose("coefficients of no column", path, input.line_number(),
                      "column " + std::to_string(j) + ", below " + std::to_string(columns) +

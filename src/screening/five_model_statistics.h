@@ -11,11 +11,11 @@
 //   genotype    the sum over genotypes of (p - q)^2 / (q/R + p/S), one degree of freedom fewer than
 //               genotypes seen
 //
-// Each is referred to a chi-square distribution. p/S + q/R is the variance of p - q with both groups
-// pooled, so that the dominant, recessive and genotype statistics are Pearson's. The additive one
-// would be the allelic test if K were 1 / (p/2S + q/2R); the integer quotient makes it jump between
-// neighbouring tables. A marker that does not vary gets the statistic 0.0001. Both are part of the
-// method.
+// Each is referred to a chi-square distribution. p/S + q/R is the variance of p - q with both
+// groups pooled, so that the dominant, recessive and genotype statistics are Pearson's. The
+// additive one would be the allelic test if K were 1 / (p/2S + q/2R); the integer quotient makes it
+// jump between neighbouring tables. A marker that does not vary gets the statistic 0.0001. Both are
+// part of the method.
 //
 // Example: R = S = 100 and 2 a2 + a1 + b1 + 2 b2 = 300 give K = 133, not 133.33.
 //

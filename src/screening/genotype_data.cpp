@@ -174,7 +174,7 @@ int read_data(char** genotypes, short* phenotypes) {
     diagnose_groups(cases);
     samplesize[0] = Sample - cases;
     samplesize[1] = cases;
-    std::cout << "read data is finished\n";
+    std::cout << "read data is finished\n" << std::flush;
     write_current(0);
     write_input(0);
     return 0;

@@ -52,7 +52,8 @@ void GenotypeTile::load_group(const char* const* rows, int size, std::size_t gro
     Codes plane[kPlanes][kParts] = {};
     for (int r = 0; r < size; ++r) {
         __builtin_prefetch(rows[r] + kColumns);  // the next tile's part of a row is far from here
-        const Codes bit = Codes{} + static_cast<signed char>(1U << r);
+        Codes bit;
+        std::memset(&bit, 1 << r, sizeof bit);
         for (int part = 0; part < kParts; ++part) {
             Codes codes;
             std::memcpy(&codes, rows[r] + part * sizeof codes, sizeof codes);

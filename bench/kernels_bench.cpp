@@ -1,0 +1,166 @@
+// Kernels of the numerical toolkit and of the text output.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <random>
+#include <sstream>
+#include <vector>
+
+#include "common/line_writer.h"
+#include "numeric/chi_square_lanes.h"
+#include "numeric/distributions.h"
+#include "numeric/draw_positions.h"
+#include "numeric/index_sort.h"
+#include "numeric/keyed_sort.h"
+#include "numeric/label_lanes.h"
+#include "numeric/random.h"
+
+namespace vort {
+namespace {
+
+std::vector<double> random_keys(int n) {
+    std::mt19937 random(1);
+    std::uniform_real_distribution<double> uniform;
+    std::vector<double> keys(static_cast<std::size_t>(n) + 1);
+    for (double& key : keys) key = uniform(random);
+    return keys;
+}
+
+void count_items(benchmark::State& state, std::int64_t each) {
+    state.SetItemsProcessed(state.iterations() * each);
+}
+
+void sort_plain(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    std::vector<double> keys = random_keys(n);
+    std::vector<int> index(keys.size());
+    for (auto _ : state) Quickindex(keys.data(), index.data(), n);
+    count_items(state, n);
+}
+BENCHMARK(sort_plain)->Arg(1000)->Arg(100000)->Arg(541325);
+
+void sort_fast(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    const std::vector<double> keys = random_keys(n);
+    std::vector<KeyedIndex> items(static_cast<std::size_t>(n));
+    for (auto _ : state) {
+        for (int i = 1; i <= n; ++i) items[i - 1] = {keys[i], i};
+        sort_keyed(items);
+    }
+    count_items(state, n);
+}
+BENCHMARK(sort_fast)->Arg(1000)->Arg(100000)->Arg(541325);
+
+std::vector<double> random_statistics(int n) {
+    std::mt19937 random(2);
+    std::chi_squared_distribution<double> null_distribution(1);
+    std::vector<double> statistics(static_cast<std::size_t>(n));
+    for (double& statistic : statistics) statistic = null_distribution(random);
+    return statistics;
+}
+
+void upper_tails_plain(benchmark::State& state) {
+    const std::vector<double> statistics = random_statistics(1024);
+    for (auto _ : state) {
+        for (const double x : statistics) benchmark::DoNotOptimize(1 - pchisq(1, x));
+    }
+    count_items(state, 1024);
+}
+BENCHMARK(upper_tails_plain);
+
+void upper_tails_fast(benchmark::State& state) {
+    const std::vector<double> statistics = random_statistics(1024);
+    ChiSquareQueue queue(state.range(0) != 0 ? best_instructions() : Instructions::kPortable);
+    for (auto _ : state) {
+        for (const double x : statistics) queue.add(1, x, 0);
+        benchmark::DoNotOptimize(queue.take().data());
+    }
+    count_items(state, 1024);
+}
+BENCHMARK(upper_tails_fast)->ArgName("wide")->Arg(0)->Arg(1);
+
+void draws_plain(benchmark::State& state) {
+    for (auto _ : state) {
+        for (int c = 0; c < 1000; ++c) {
+            benchmark::DoNotOptimize(static_cast<int>((1000 - c) * rand1()));
+        }
+    }
+    count_items(state, 1000);
+}
+BENCHMARK(draws_plain);
+
+void draws_fast(benchmark::State& state) {
+    std::vector<int> positions(1000);
+    for (auto _ : state) {
+        draw_positions(1000, positions.data());
+        benchmark::DoNotOptimize(positions.data());
+    }
+    count_items(state, 1000);
+}
+BENCHMARK(draws_fast);
+
+void permuted_labels_plain(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    std::vector<int> order(static_cast<std::size_t>(n) + 1);
+    for (auto _ : state) {
+        randomsort(n, order.data());
+        benchmark::DoNotOptimize(order.data());
+    }
+    count_items(state, n);
+}
+BENCHMARK(permuted_labels_plain)->Arg(250)->Arg(1000)->Arg(4000);
+
+void permuted_labels_fast(benchmark::State& state) {
+    const int n = static_cast<int>(state.range(0));
+    std::vector<unsigned char> labels(static_cast<std::size_t>(n));
+    for (std::size_t i = 0; i < labels.size(); i += 2) labels[i] = 1;
+    LabelLanes lanes(labels);
+    std::vector<int> positions(labels.size());
+    std::vector<LabelLanes::Positions> taken(labels.size());
+    const double value[2] = {0, 1};
+    double out[kLanes];
+    for (auto _ : state) {
+        for (int l = 0; l < kLanes; ++l) {
+            draw_positions(n, positions.data());
+            for (int c = 0; c < n; ++c) taken[c][l] = static_cast<std::int16_t>(positions[c]);
+        }
+        lanes.refill();
+        for (const auto& position : taken) lanes.take(position, value, out);
+        benchmark::DoNotOptimize(out[0]);
+    }
+    count_items(state, std::int64_t{kLanes} * n);
+}
+BENCHMARK(permuted_labels_fast)->Arg(250)->Arg(1000)->Arg(4000);
+
+void ranking_lines_plain(benchmark::State& state) {
+    const std::vector<double> pvalues = random_keys(1000);
+    for (auto _ : state) {
+        std::ostringstream out;
+        for (int k = 1; k <= 1000; ++k) {
+            out << k << " index=" << k << " pvalue=" << pvalues[k] << " ref=" << k - 1 << '\n';
+        }
+        benchmark::DoNotOptimize(out.str().size());
+    }
+    count_items(state, 1000);
+}
+BENCHMARK(ranking_lines_plain);
+
+void ranking_lines_fast(benchmark::State& state) {
+    const std::vector<double> pvalues = random_keys(1000);
+    for (auto _ : state) {
+        std::ostringstream text;
+        {
+            LineWriter out(text);
+            for (int k = 1; k <= 1000; ++k) {
+                out.integer(k).text(" index=").integer(k).text(" pvalue=").general(pvalues[k]);
+                out.text(" ref=").integer(k - 1).end_line();
+            }
+        }
+        benchmark::DoNotOptimize(text.str().size());
+    }
+    count_items(state, 1000);
+}
+BENCHMARK(ranking_lines_fast);
+
+}  // namespace
+}  // namespace vort
