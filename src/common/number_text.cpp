@@ -48,11 +48,21 @@ int six_digits(double value, int zeros) {
     return below + (rest > 0.5 ? 1 : 0);
 }
 
-char* write_digits(int digits, char* out) {
-    for (int i = kDigits - 1; i >= 0; --i) {
-        out[i] = static_cast<char>('0' + digits % 10);
-        digits /= 10;
+// "00" to "99".
+constexpr auto kPairs = [] {
+    std::array<char, 200> pairs{};
+    for (int i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
     }
+    return pairs;
+}();
+
+// Without the zeros at the end.
+char* write_digits(int digits, char* out) {
+    std::copy_n(&kPairs[2 * (digits / 10000)], 2, out);
+    std::copy_n(&kPairs[2 * (digits / 100 % 100)], 2, out + 2);
+    std::copy_n(&kPairs[2 * (digits % 100)], 2, out + 4);
     char* end = out + kDigits;
     while (end[-1] == '0') --end;
     return end;

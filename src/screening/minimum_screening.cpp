@@ -56,6 +56,13 @@ class EquivalentStatistic {
     std::array<double, kSteps + 2> value_;
 };
 
+template <typename Models>
+bool any_may_be_significant(const Models& models) {
+    double largest = 0;
+    for (const auto& model : models) largest = std::max(largest, model.statistic);
+    return largest >= kSignificantFrom[1];
+}
+
 const EquivalentStatistic& equivalent_statistic() {
     static const EquivalentStatistic table;
     return table;
@@ -172,7 +179,7 @@ ScreeningResult& MinimumScreening::screen(const int* packed) {
             if (state_[slot] == State::kDropped) ++result_.dropped;
             if (table_.R[slot] == 0 || table_.S[slot] == 0) continue;
             const Models models = models_of(slot);
-            list_significant(slot, first + slot + 1, models);
+            if (any_may_be_significant(models)) list_significant(slot, first + slot + 1, models);
             if (state_[slot] == State::kTested) queue_candidates(slot, models);
         }
         finish_block(first, size);
