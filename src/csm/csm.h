@@ -174,6 +174,11 @@ class CSM {
 
     int kept_by_step_up(int k, int tested, const std::vector<double>& pvalue,
                         const std::vector<int>& order) const;
+    // Of individual i at marker[1 .. k]: the base-3 number of its genotypes, the first marker's
+    // leading, and whether one of them was imputed.
+    int cell_code(int i, int k, const int* marker) const;
+    bool is_excluded(int i, int k, const int* marker) const;
+
     std::vector<double> test_markers(int* tested);
     std::vector<double> test_pairs(const bitset& filter, int* tested);
 

@@ -67,9 +67,7 @@ void CSM::ProvideDataToNextProgram(const BestClusterInformationArray* array, con
     for (int i = 1; i <= Sample_size; ++i) {
         out << fixed(yy[i]) << ' ';
         for (const RecordColumns& part : parts) {
-            int code = 0;
-            for (int p = 1; p <= part.markers; ++p) code = code * 3 + Tgen[i][part.marker[p]];
-            out << part.by_code[code];
+            out << part.by_code[cell_code(i, part.markers, part.marker.data())];
         }
         out << '\n';
     }

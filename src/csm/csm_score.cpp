@@ -76,16 +76,10 @@ SetCells CSM::form_cells(int k, int c) const {
     cells.cell.resize(static_cast<std::size_t>(n) + 1);
     std::vector<int> cell_of_code(static_cast<std::size_t>(space_size) + 1);
     for (int i = 1; i <= n; ++i) {
-        int code = 0;
-        bool excluded = false;
-        for (int p = 1; p <= k; ++p) {
-            code = code * 3 + Tgen[i][marker[p]];
-            excluded =
-                excluded || missing_set[i]->GetAt(static_cast<unsigned long>(marker[p])) != 0;
-        }
+        const int code = cell_code(i, k, marker.data());
         check_code(code, space_size);
         cells.code[i] = code;
-        if (excluded) continue;
+        if (is_excluded(i, k, marker.data())) continue;
         if (cell_of_code[code] == 0) cell_of_code[code] = ++cells.ncell;
         cells.cell[i] = cell_of_code[code];
     }

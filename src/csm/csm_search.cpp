@@ -77,6 +77,19 @@ void CSM::sortchoose1(int c, int m, int k, int* out) const {
     vort::sortchoose1(c, m, k, out);
 }
 
+int CSM::cell_code(int i, int k, const int* marker) const {
+    int code = 0;
+    for (int p = 1; p <= k; ++p) code = code * 3 + Tgen[i][marker[p]];
+    return code;
+}
+
+bool CSM::is_excluded(int i, int k, const int* marker) const {
+    for (int p = 1; p <= k; ++p) {
+        if (missing_set[i]->GetAt(static_cast<unsigned long>(marker[p])) != 0) return true;
+    }
+    return false;
+}
+
 double CSM::Test(int k, int c) {
     return test_quantitive(k, c);
 }
@@ -92,14 +105,8 @@ double CSM::test_quantitive(int k, int c) {
     std::vector<double> cell_sum(cells);
     std::vector<int> cell_count(cells);
     for (int i = 1; i <= Sample_size; ++i) {
-        int code = 0;
-        bool excluded = false;
-        for (int p = 1; p <= k; ++p) {
-            code = code * 3 + Tgen[i][marker[p]];
-            excluded =
-                excluded || missing_set[i]->GetAt(static_cast<unsigned long>(marker[p])) != 0;
-        }
-        if (excluded) continue;
+        if (is_excluded(i, k, marker.data())) continue;
+        const int code = cell_code(i, k, marker.data());
         cell_sum[code] += yy[i];
         ++cell_count[code];
     }

@@ -11,6 +11,7 @@
 
 #include "common/diagnostics.h"
 #include "common/end_program.h"
+#include "common/memory_check.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
 #include "common/text_input.h"
@@ -33,6 +34,8 @@ int readbeta(const char* path, double** coefficients, int* nonzero, double** sec
     input.integer(columns);
     input.integer(lines);
     const std::size_t size = columns > 0 ? static_cast<std::size_t>(columns) : 0;
+    require_memory(2.0 * sizeof(double) * static_cast<double>(size),
+                   std::string("the coefficient table of ") + path);
     auto beta = std::make_unique<double[]>(size);
     auto mean_square = std::make_unique<double[]>(size);
     std::string word;

@@ -2,6 +2,7 @@
 // found it.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,11 +10,10 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <iostream>
+#include <memory>
 #include <numeric>
 #include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "csm/csm.h"
@@ -21,9 +21,12 @@
 #include "ensemble/globals.h"
 #include "numeric/random.h"
 #include "support/console_capture.h"
+#include "support/program_end.h"
 #include "support/temporary_folder.h"
 
 namespace vort::testing {
+
+inline char no_prefix[1] = "";
 
 // A fresh folder to work in; nothing on the console that no test looks at; every global of the
 // builder and the ensemble stage at its start value.
@@ -32,14 +35,11 @@ class BuilderTest : public ::testing::Test {
     BuilderTest() { reset(); }
     ~BuilderTest() override { reset(); }
 
-    char prefix_[1] = "";
-
   private:
     static void reset() {
         init_rand1();
         clustermethod = 0;
         clustermethod_print = test_method_print = 1;
-        static char no_prefix[1] = "";
         hostname = no_prefix;
         ns = 400;
         nm = 20;
@@ -52,11 +52,6 @@ class BuilderTest : public ::testing::Test {
     TemporaryFolder folder_;
     ConsoleCapture quiet_;
 };
-
-// For the ends of the program: death tests look at standard error.
-inline void console_on_standard_error() {
-    std::cout.rdbuf(std::cerr.rdbuf());
-}
 
 inline std::array<int, 3> random_state() {
     return {RX, RY, RZ};
@@ -73,13 +68,12 @@ class Study {
   public:
     // A string for each individual, a character for each column: 0, 1, 2, or '-' for missing. One
     // data set, its ranking the order of the columns.
-    Study(const std::vector<std::string>& genotypes, std::vector<short> phenotype) {
-        for (const std::string& row : genotypes) {
-            std::string codes;
-            for (const char c : row) codes.push_back(static_cast<char>(c == '-' ? -1 : c - '0'));
-            genotypes_.push_back(codes);
+    Study(std::vector<std::string> genotypes, std::vector<short> phenotype)
+        : genotypes_(std::move(genotypes)) {
+        for (std::string& row : genotypes_) {
+            for (char& c : row) c = static_cast<char>(c == '-' ? -1 : c - '0');
         }
-        std::vector<int> ranking(genotypes.empty() ? 0 : genotypes[0].size());
+        std::vector<int> ranking(genotypes_[0].size());
         std::iota(ranking.begin(), ranking.end(), 0);
         add_data_set(std::move(phenotype), std::move(ranking));
     }
@@ -87,26 +81,27 @@ class Study {
     void add_data_set(std::vector<short> phenotype, std::vector<int> ranking) {
         phenotypes_.push_back(std::move(phenotype));
         rankings_.push_back(std::move(ranking));
-        x_.clear();
-        y_.clear();
-        r_.clear();
-        for (auto& row : genotypes_) x_.push_back(row.data());
-        for (auto& row : phenotypes_) y_.push_back(row.data());
-        for (auto& row : rankings_) r_.push_back(row.data());
+        x_ = rows_of<char*>(genotypes_);
+        y_ = rows_of<short*>(phenotypes_);
+        r_ = rows_of<int*>(rankings_);
     }
-    Study(const Study&) = delete;
-    Study& operator=(const Study&) = delete;
 
     int individuals() const { return static_cast<int>(genotypes_.size()); }
     int markers() const { return static_cast<int>(rankings_[0].size()); }
     int data_sets() const { return static_cast<int>(rankings_.size()); }
-    const std::vector<short>& phenotype(int r) const { return phenotypes_[r]; }
     const std::vector<int>& ranking(int r) const { return rankings_[r]; }
     char** x() { return x_.data(); }
     short** y() { return y_.data(); }
     int** rankings() { return r_.data(); }
 
   private:
+    template <typename Row, typename Rows>
+    static std::vector<Row> rows_of(Rows& rows) {
+        std::vector<Row> pointers;
+        for (auto& row : rows) pointers.push_back(row.data());
+        return pointers;
+    }
+
     std::vector<std::string> genotypes_;
     std::vector<std::vector<short>> phenotypes_;
     std::vector<std::vector<int>> rankings_;
@@ -131,6 +126,11 @@ inline void write_settings(const Settings& s) {
                    "\nFDR_cutoff_for_candidate_locus_combinations " + s.cutoff + "\n");
 }
 
+inline std::unique_ptr<CSM> builder_of(const Settings& settings) {
+    write_settings(settings);
+    return std::make_unique<CSM>(no_prefix);
+}
+
 // Takes a data set in without searching it: the members of the search can then be called.
 inline void take_in(CSM& csm, Study& study, int current = 0) {
     const ConsoleCapture console;
@@ -138,6 +138,16 @@ inline void take_in(CSM& csm, Study& study, int current = 0) {
     csm.test_method = 4;
     csm.run(current, 0, 0, study.x(), study.y(), study.rankings(), 0, 1);
     csm.test_method = method;
+}
+
+inline std::unique_ptr<CSM> builder_with(Study& study, const Settings& settings) {
+    auto csm = builder_of(settings);
+    take_in(*csm, study);
+    return csm;
+}
+
+inline std::unique_ptr<CSM> builder_with(Study& study) {
+    return builder_with(study, {study.individuals(), study.markers()});
 }
 
 // Markers with an effect, missing genotypes and rare codes at random.
@@ -158,29 +168,28 @@ inline std::vector<std::string> random_genotypes(std::mt19937_64& random, int n,
     return rows;
 }
 
-// A study of any awkward shape: few individuals, one group empty, nearly everything missing, a
-// phenotype of three values. `individuals` 0 leaves their number to chance.
 struct Shape {
-    explicit Shape(std::uint64_t seed, int individuals = 0) : random(seed), n(individuals) {
-        if (n == 0) n = 1 + static_cast<int>(random() % 70);
-        m = 1 + static_cast<int>(random() % 12);
-        const unsigned kind = random() % 8;
-        for (int i = 0; i < n; ++i) {
-            const unsigned values = kind == 0 ? 3 : 2;
-            phenotype.push_back(static_cast<short>(random() % values));
-            if (kind == 1) phenotype.back() = 0;
-            if (kind == 2) phenotype.back() = 1;
-        }
-        const unsigned missing[] = {0, 0, 30, 150, 600, 1000};
-        genotypes = random_genotypes(random, n, m, missing[random() % 6], phenotype);
-        write_settings({n, m, static_cast<int>(random() % 6), 0, random() % 2 == 0 ? "1" : "0.3"});
-    }
-
-    std::mt19937_64 random;
-    int n;
-    int m;
-    std::vector<short> phenotype;
-    std::vector<std::string> genotypes;
+    Study study;
+    Settings settings;
 };
+
+// A study of any awkward shape: few individuals, one group empty, nearly everything missing, a
+// phenotype of three values. `n` 0 leaves the number of individuals to chance.
+inline Shape random_shape(std::uint64_t seed, int n = 0) {
+    std::mt19937_64 random(seed);
+    if (n == 0) n = 1 + static_cast<int>(random() % 70);
+    const int m = 1 + static_cast<int>(random() % 12);
+    const unsigned kind = random() % 8;
+    std::vector<short> phenotype;
+    for (int i = 0; i < n; ++i) {
+        phenotype.push_back(static_cast<short>(random() % (kind == 0 ? 3 : 2)));
+        if (kind == 1 || kind == 2) phenotype.back() = static_cast<short>(kind - 1);
+    }
+    const unsigned missing[] = {0, 0, 30, 150, 600, 1000};
+    const unsigned share = missing[random() % 6];
+    Study study(random_genotypes(random, n, m, share, phenotype), phenotype);
+    const int retain = static_cast<int>(random() % 6);
+    return {std::move(study), {n, m, retain, 0, random() % 2 == 0 ? "1" : "0.3"}};
+}
 
 }  // namespace vort::testing

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <string>
 
 namespace vort::testing {
 
@@ -16,6 +17,12 @@ inline void console_to_stderr() {
 // Files, parameters and data end the program with this status.
 inline ::testing::ExitedWithCode status_zero() {
     return ::testing::ExitedWithCode(0);
+}
+
+// Expects that `act` ends the program, and that what it then said on either stream holds a match.
+template <typename Act>
+void expect_end(Act act, const std::string& message) {
+    EXPECT_EXIT((console_to_stderr(), static_cast<void>(act())), status_zero(), message);
 }
 
 }  // namespace vort::testing

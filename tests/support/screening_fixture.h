@@ -1,15 +1,21 @@
 // A working directory and a screening stage of its own for each test.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <vector>
 
 #include "screening/genotype_data.h"
 #include "screening/globals.h"
 #include "screening/prepared_file.h"
 #include "screening/snp_index.h"
+#include "support/console_capture.h"
+#include "support/diagnostics_capture.h"
+#include "support/program_end.h"
 #include "support/restored.h"
 #include "support/temporary_folder.h"
 
@@ -22,8 +28,7 @@ class ScreeningTest : public ::testing::Test {
   protected:
     ScreeningTest() {
         forget_all();
-        head = 0;
-        record = 0;
+        head = record = 0;
         std::strcpy(inputfilename, kDataFile);
     }
     ~ScreeningTest() override {
@@ -47,6 +52,12 @@ class ScreeningTest : public ::testing::Test {
         release_data_set();
         write_file(kDataFile, text);
         load_data_set_once();
+    }
+
+    static void load_quietly(const std::string& text) {
+        const ConsoleCapture console;
+        const DiagnosticsCapture diagnostics;
+        load(text);
     }
 
   private:
