@@ -13,33 +13,36 @@ constexpr long kLinesOfAKind = 10;
 struct KindCount {
     std::string_view kind;
     long count;
+    std::string last;  // the line that came last
 };
 
+// Never destroyed: the console, flushed at exit, may still have something to say.
 std::vector<KindCount>& counts() {
-    static std::vector<KindCount> all;
+    static auto& all = *new std::vector<KindCount>;
     return all;
 }
 
-long count_one(std::string_view kind) {
-    static const bool finish_at_exit = [] {
-        counts();  // constructed before the handler is registered, so destroyed after it ran
-        return std::atexit(finish_diagnostics) == 0;
-    }();
+// How many lines of the kind there are with this one; a line that repeats the last is none.
+long count_one(std::string_view kind, const std::string& line) {
+    static const bool finish_at_exit = std::atexit(finish_diagnostics) == 0;
     static_cast<void>(finish_at_exit);
     for (KindCount& entry : counts()) {
-        if (entry.kind == kind) return ++entry.count;
+        if (entry.kind != kind) continue;
+        if (entry.last == line) return kLinesOfAKind + 1;
+        entry.last = line;
+        return ++entry.count;
     }
-    counts().push_back({kind, 1});
+    counts().push_back({kind, 1, line});
     return 1;
 }
 
 }  // namespace
 
 void diagnose(std::string_view kind, std::string_view file, long line, const std::string& text) {
-    if (count_one(kind) > kLinesOfAKind) return;
-    std::cerr << file << ':';
-    if (line > 0) std::cerr << line << ':';
-    std::cerr << ' ' << text << '\n';
+    std::string whole = std::string(file) + ':';
+    if (line > 0) whole += std::to_string(line) + ':';
+    whole += ' ' + text + '\n';
+    if (count_one(kind, whole) <= kLinesOfAKind) std::cerr << whole;
 }
 
 void finish_diagnostics() {

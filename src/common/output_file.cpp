@@ -1,10 +1,16 @@
 #include "common/output_file.h"
 
+#include <unistd.h>
+
 #include <utility>
 
 #include "common/diagnostics.h"
 
 namespace vort {
+
+void remove_file(const std::string& path) {
+    ::unlink(path.c_str());
+}
 
 OutputFile::OutputFile(std::string path, Mode mode)
     : path_(std::move(path)),
@@ -12,17 +18,17 @@ OutputFile::OutputFile(std::string path, Mode mode)
       opened_(stream_.is_open()) {
     if (!opened_) {
         diagnose("files that could not be opened for writing", path_, 0,
-                 "could not be opened for writing; its contents are lost");
+                 "could not be opened for writing");
     }
 }
 
-void OutputFile::close() {
-    if (!stream_.is_open()) return;
+bool OutputFile::close() {
+    if (!stream_.is_open()) return opened_ && !stream_.fail();
     stream_.close();
-    if (stream_.fail()) {
-        diagnose("files that could not be written", path_, 0,
-                 "could not be fully written (is the disk full?)");
-    }
+    if (!stream_.fail()) return true;
+    diagnose("files that could not be written", path_, 0,
+             "could not be fully written (is the disk full?)");
+    return false;
 }
 
 }  // namespace vort

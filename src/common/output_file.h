@@ -6,6 +6,9 @@
 
 namespace vort {
 
+// Removes a file, if there is one; a directory of that name stays.
+void remove_file(const std::string& path);
+
 // An output stream to a file. A file that cannot be opened, or that could not be written to its
 // end (a full disk), is told on standard error; what the program does about it is the caller's.
 class OutputFile {
@@ -26,8 +29,8 @@ class OutputFile {
         return *this;
     }
 
-    // Safe to call twice.
-    void close();
+    // Safe to call twice. False where the file could not be written to its end.
+    bool close();
 
   private:
     std::string path_;

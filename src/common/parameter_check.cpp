@@ -1,6 +1,8 @@
 // What the readers of "parameter.txt" pass over in silence, said on standard error.
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -11,26 +13,30 @@ namespace vort {
 
 namespace {
 
-enum class Expected { kText, kWholeNumber, kCount, kPositiveCount, kShare };
+enum class Expected { kText, kWholeNumber, kFlag, kCount, kPositiveCount, kShare };
 
 struct KnownParameter {
     Parameter parameter;
     std::string_view name;
     Expected expected;
+    std::string_view default_value;  // what is used where it is missing; empty: no word about it
 };
 
 constexpr std::array<KnownParameter, 11> kKnownParameters = {{
-    {Parameter::kInputFile, "Inputfile", Expected::kText},
-    {Parameter::kHead, "Head", Expected::kWholeNumber},
-    {Parameter::kRecorder, "Recorder_num", Expected::kWholeNumber},
-    {Parameter::kSampleSize, "Sample_size", Expected::kPositiveCount},
-    {Parameter::kMarkers, "Number_of_markers", Expected::kPositiveCount},
-    {Parameter::kMissingSymbol, "Symbol_of_missing_Gentype", Expected::kText},
-    {Parameter::kMaxRetain, "Max_retain", Expected::kCount},
-    {Parameter::kFdrCutoff, "FDR_cutoff_for_candidate_locus_combinations", Expected::kShare},
-    {Parameter::kPermutations, "Number_of_permutation", Expected::kCount},
-    {Parameter::kImputations, "How_many_imputation_to_deal_with_missing", Expected::kWholeNumber},
-    {Parameter::kBestM, "Best_m", Expected::kCount},
+    {Parameter::kInputFile, "Inputfile", Expected::kText, "there is no data set"},
+    {Parameter::kHead, "Head", Expected::kFlag, ""},
+    {Parameter::kRecorder, "Recorder_num", Expected::kFlag, ""},
+    {Parameter::kSampleSize, "Sample_size", Expected::kPositiveCount,
+     "547 are screened, 400 modelled"},
+    {Parameter::kMarkers, "Number_of_markers", Expected::kPositiveCount, "541325 is used"},
+    {Parameter::kMissingSymbol, "Symbol_of_missing_Gentype", Expected::kText, ""},
+    {Parameter::kMaxRetain, "Max_retain", Expected::kCount, "1 is used"},
+    {Parameter::kFdrCutoff, "FDR_cutoff_for_candidate_locus_combinations", Expected::kShare, ""},
+    {Parameter::kPermutations, "Number_of_permutation", Expected::kCount,
+     "100 are screened, none modelled"},
+    {Parameter::kImputations, "How_many_imputation_to_deal_with_missing", Expected::kWholeNumber,
+     ""},
+    {Parameter::kBestM, "Best_m", Expected::kCount, "20 is used"},
 }};
 
 const KnownParameter* known(Parameter parameter) {
@@ -57,7 +63,8 @@ void check_name(const ParameterEntry& entry, const KnownParameter& row) {
 void check_number(const ParameterEntry& entry) {
     if (entry.whole_word) return;
     if (entry.word.empty()) {
-        say("parameter values that are no number", entry, "a number was expected; 0 is used");
+        say("parameter values that are no number", entry,
+            "a number was expected; it is taken as 0");
     } else {
         say("parameter values that are no number", entry,
             "a number was expected, not " + quoted(entry.word) +
@@ -67,18 +74,26 @@ void check_number(const ParameterEntry& entry) {
 
 void check_range(const ParameterEntry& entry, Expected expected) {
     const auto value = static_cast<double>(entry.value);
-    const bool whole = std::isfinite(value) && value == std::trunc(value);
+    const bool whole = value == std::trunc(value);
     if (expected == Expected::kShare) {
         if (!(value > 0.0 && value <= 1.0)) {
             say("parameter values out of range", entry,
                 "above 0 and at most 1 was expected, not " + entry.word + "; 0.75 is used");
         }
+    } else if (!(value >= -2147483648.0 && value < 2147483648.0)) {
+        say("parameter values out of range", entry,
+            entry.word + " does not fit a whole number; -2147483648 is used");
     } else if (!whole) {
         say("parameter values with a fraction", entry,
             "a whole number was expected, not " + entry.word +
                 "; it is cut, and rounded by the builder of base learners");
-    } else if (std::abs(value) >= 2147483648.0) {
-        say("parameter values out of range", entry, entry.word + " does not fit a whole number");
+    } else if (std::strtod(entry.word.c_str(), nullptr) != value) {
+        say("parameter values changed", entry,
+            entry.word + " has too many digits; " + std::to_string(static_cast<long>(value)) +
+                " is used");
+    } else if (expected == Expected::kFlag && value != 0.0 && value != 1.0) {
+        say("parameter values out of range", entry,
+            "0 or 1 was expected, not " + entry.word + "; 0 is used");
     } else if (expected == Expected::kPositiveCount && value < 1.0) {
         say("sizes out of range", entry, "at least 1 was expected, not " + entry.word);
     } else if (expected == Expected::kCount && value < 0.0) {
@@ -139,6 +154,20 @@ void check_repeated(const std::vector<ParameterEntry>& entries, std::size_t i) {
     }
 }
 
+// What decides about a run and is not given has a default that hardly fits it.
+void check_missing(const std::vector<ParameterEntry>& entries) {
+    for (const KnownParameter& row : kKnownParameters) {
+        const auto gives = [&](const ParameterEntry& entry) {
+            return setting_of(entry.name) == row.parameter;
+        };
+        if (row.default_value.empty() || std::any_of(entries.begin(), entries.end(), gives)) {
+            continue;
+        }
+        diagnose("parameters missing", kParameterFileName, 0,
+                 std::string(row.name) + " is not given; " + std::string(row.default_value));
+    }
+}
+
 }  // namespace
 
 void diagnose_parameters(const ParameterFile& file) {
@@ -152,11 +181,12 @@ void diagnose_parameters(const ParameterFile& file) {
         say("parameters ignored", file.entries[i],
             "ignored: for each name that starts with no letter the last entry is left out");
     }
-    if (file.line_count > static_cast<int>(file.entries.size())) {
-        diagnose("parameters ignored", kParameterFileName, 0,
-                 std::to_string(file.line_count) + " lines, of which only the first " +
-                     std::to_string(file.entries.size()) + " are read");
+    if (!file.unread.name.empty()) {
+        say("parameters ignored", file.unread,
+            "ignored from here on: " + std::to_string(file.line_count) + " lines, so the first " +
+                std::to_string(file.entries.size()) + " names and values are read");
     }
+    check_missing(used);
 }
 
 }  // namespace vort

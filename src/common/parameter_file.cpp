@@ -167,6 +167,7 @@ std::optional<ParameterFile> read_parameter_file() {
         file.entries.push_back(reader.next());
         if (is_letter(letter_at(file.entries.back().name, 1))) ++file.letter_count;
     }
+    file.unread = reader.next();
     return file;
 }
 

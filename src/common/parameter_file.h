@@ -50,6 +50,7 @@ struct ParameterFile {
     int line_count = 0;                   // lines that are not empty
     std::vector<ParameterEntry> entries;  // as read, at most 20
     int letter_count = 0;                 // entries whose name starts with a letter
+    ParameterEntry unread;                // the first entry that is not read; no name: none
 
     // The entries that the readers dispatch: the first `letter_count` ones, whatever their names.
     std::vector<ParameterEntry> dispatched() const;

@@ -33,7 +33,7 @@ namespace {
 constexpr const char* kNumberTag = "<number ";
 
 // More markers in a set, or more groups, than any search makes.
-constexpr unsigned kMostMarkers = 3;
+constexpr unsigned kMostMarkers = 2;
 constexpr unsigned kMostGroups = 10;
 
 [[noreturn]] void end_on_malformed_record(const std::string& details) {

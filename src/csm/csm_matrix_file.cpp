@@ -72,7 +72,7 @@ void CSM::ProvideDataToNextProgram(const BestClusterInformationArray* array, con
         out << '\n';
     }
     out << "para  " << Sample_size << ' ' << columns << '\n';
-    out.close();
+    if (!out.close()) end_program();  // half a matrix would be read as a whole one
     for (int r = 0; r < array->count(); ++r) array->items[r]->Store(file, r);
 }
 

@@ -19,9 +19,11 @@ std::vector<unsigned char> labels_of(std::span<const double> yy) {
 
 bool PermutedCells::serves(std::span<const double> yy) {
     if (yy.empty() || yy.size() > LabelLanes::kMostLabels) return false;
-    const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
-    return *low <= 0 && *high > 0 &&
-           std::all_of(yy.begin(), yy.end(), [&](double y) { return y == *low || y == *high; });
+    const auto ends = std::minmax_element(yy.begin(), yy.end());
+    const double low = *ends.first;
+    const double high = *ends.second;
+    return low <= 0 && high > 0 &&
+           std::all_of(yy.begin(), yy.end(), [=](double y) { return y == low || y == high; });
 }
 
 PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, bool with_sums)

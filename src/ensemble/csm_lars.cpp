@@ -5,6 +5,7 @@
 #include <string>
 
 #include "common/end_program.h"
+#include "common/memory_check.h"
 #include "common/text_input.h"
 #include "lars/lars.h"
 
@@ -56,6 +57,9 @@ double CSM_LARS::run(int current, int Sample, int Marker, char** X, short** phen
         end_program();
     }
     if (cols == 0) return kNoStatistic;
+    require_memory(8.0 * rows * (cols + 52.0), "a design matrix of " + std::to_string(rows) +
+                                                   " rows and " + std::to_string(cols) +
+                                                   " columns");
     LARS lars(static_cast<int>(rows), static_cast<int>(cols), kPathLimit, 0);
     lars.datapath = datapath_;
     lars.csm_count = csm.csm_count;

@@ -13,20 +13,22 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <iostream>
 #include <limits>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "common/diagnostics.h"
 #include "common/end_program.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
+#include "common/text_input.h"
 #include "ensemble/csm_lars.h"
 #include "ensemble/final_report.h"
 #include "ensemble/globals.h"
 #include "ensemble/importance.h"
+#include "numeric/combinations.h"
 #include "numeric/index_sort.h"
 #include "numeric/offset_owner.h"
 #include "numeric/random.h"
@@ -95,10 +97,10 @@ class EnsembleStage {
     double run_data_set(int row);
     void record_base_learners(const BestClusterInformationArray& records,
                               const Coefficients& coefficients);
+    void check_record(const BestClusterInformation& record) const;
     void record_group(BestClusterInformation& record, int q, int g, int c_q, int b,
                       const Coefficients& coefficients);
     void select_markers();
-    int shown_codes() const { return std::min(10, nm); }
 
     ScreenedData data_;
     std::string store_path_;
@@ -117,9 +119,12 @@ class EnsembleStage {
 
 // What an earlier run left must not be taken for a result of this one.
 char* EnsembleStage::remove_leftovers() const {
-    std::error_code ignored;
-    std::filesystem::remove(store_path_, ignored);
-    std::filesystem::remove(beta_path_, ignored);
+    for (const std::string& path : {store_path_, beta_path_}) {
+        remove_file(path);
+        if (!TextInput(path).is_open()) continue;
+        diagnose("leftover files", path, 0, "is left from an earlier run and cannot be removed");
+        end_program();
+    }
     return hostname;
 }
 
@@ -181,6 +186,7 @@ void EnsembleStage::record_base_learners(const BestClusterInformationArray& reco
     for (int q = 0; q < records.count(); ++q) {
         if (records.items[q] == nullptr) continue;
         BestClusterInformation& record = *records.items[q];
+        check_record(record);
         std::cout << "BCIpointer->Nozerogroupnum=" << record.group_count_copy << '\n';
         record.ShowMemberInGroup();
         int c_q = 0;
@@ -197,6 +203,16 @@ void EnsembleStage::record_base_learners(const BestClusterInformationArray& reco
     if (coefficients.columns != b) {
         std::cout << "nC=" << coefficients.columns << " q=" << b << '\n';
     }
+}
+
+// The record must be one of this stage's marker sets.
+void EnsembleStage::check_record(const BestClusterInformation& record) const {
+    const int k = static_cast<int>(record.marker_count);
+    const int set = record.combination_index;
+    if (record.marker_total == markers_ && set >= 1 && set <= choose(markers_, k)) return;
+    std::cout << "find error in BCI file with set " << set << " of " << record.marker_total
+              << " markers\n";
+    end_program();
 }
 
 // The cells reported are those of the set's c_q-th group, c_q being the number of base learners

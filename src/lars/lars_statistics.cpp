@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "common/end_program.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
 #include "lars/lars.h"
@@ -140,6 +141,8 @@ int LARS::writebetatofile(double* beta) {
         file << "beta[ " << j << " ]= " << general(beta[j]) << ' ' << general(squares / n_row_)
              << '\n';
     }
+    // Half a coefficient file would be read as a model.
+    if (!file.close()) end_program();
     return 0;
 }
 

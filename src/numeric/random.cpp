@@ -12,10 +12,10 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <numeric>
 #include <vector>
 
 #include "numeric/draw_positions.h"
+#include "numeric/remaining_items.h"
 
 namespace vort {
 
@@ -41,16 +41,11 @@ double rand2() {
     return std::rand() / 2147483647.0;
 }
 
-// Draws without replacement: each drawn element leaves the pool, and those behind it move up.
+// Draws without replacement: the k-th of the numbers that are left, k drawn anew each time.
 void randomsort(int n, int* out) {
-    std::vector<int> pool(static_cast<std::size_t>(std::max(n, 0)));
-    std::iota(pool.begin(), pool.end(), 1);
+    RemainingItems items(n);
     draw_positions(n, out + 1);
-    for (int c = 1; c <= n; ++c) {
-        const auto drawn = pool.begin() + out[c];
-        out[c] = *drawn;
-        pool.erase(drawn);
-    }
+    for (int c = 1; c <= n; ++c) out[c] = items.take(out[c]) + 1;
 }
 
 int permutation1(short* y, int n) {

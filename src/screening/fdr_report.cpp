@@ -28,8 +28,8 @@ std::vector<int> order_by_pvalue(std::vector<double> pvalue) {
 }
 
 // One list of markers; `model_of` names the model that gave a marker's p-value.
-template <typename ModelOf>
-void write_list(std::ostream& out, const std::vector<double>& pvalue, const std::vector<int>& order,
+template <typename Put, typename ModelOf>
+void write_list(Put put, const std::vector<double>& pvalue, const std::vector<int>& order,
                 int count, Locate locate, FindName find_name, ModelOf model_of) {
     const int listed = std::min(count >= 1 ? count : kListedWithoutFinding, Marker);
     for (int k = 1; k <= listed; ++k) {
@@ -38,15 +38,18 @@ void write_list(std::ostream& out, const std::vector<double>& pvalue, const std:
         int locus = 0;
         locate(number, &chromosome, &locus);
         const char* name = find_name(number, &chromosome, &locus);
+        std::ostringstream out;
         out << (count < 1 ? "FDR reject Marker=" : "FDR find Marker=") << number
             << "\t name = " << name << "\t locus=" << locus
             << "\t pvalue=" << general(pvalue[number])
             << " corresponding  model=" << modelname[model_of(number)] << '\n';
+        put(out.str());
     }
 }
 
-void write_heading(std::ostream& out, int model, int count) {
-    out << "model=" << modelname[model] << " # of satisfy FDR marker, i. e.  len=" << count << '\n';
+std::string heading(int model, int count) {
+    return std::string("model=") + modelname[model] +
+           " # of satisfy FDR marker, i. e.  len=" + std::to_string(count) + '\n';
 }
 
 }  // namespace
@@ -65,22 +68,25 @@ FdrReport::FdrReport() : file_("FDR_results.txt", OutputFile::Mode::kTruncate) {
     }
 }
 
+// The marker table is first looked at behind the first heading, and may end the program there.
 void FdrReport::write(const MarkerPvalues& all, const std::vector<int>& minimum_order) {
-    std::ostringstream text;
+    const auto put = [this](const std::string& text) {
+        std::cout << text;
+        file_ << text;
+        file_.stream().flush();
+    };
     for (int model = 0; model < kModels; ++model) {
         const std::vector<double>& pvalue = all.model[model];
         const std::vector<int> order = order_by_pvalue(pvalue);
         const int count = false_discovery_count(pvalue, order, kLevel, 1);
-        write_heading(text, model, count);
-        write_list(text, pvalue, order, count, return_chromosome_and_locus, findSNPname,
+        put(heading(model, count));
+        write_list(put, pvalue, order, count, return_chromosome_and_locus, findSNPname,
                    [model](int) { return model; });
     }
     const int count = false_discovery_count(all.minimum, minimum_order, kLevel, kModels);
-    write_heading(text, kModels, count);
-    write_list(text, all.minimum, minimum_order, count, return_chromosome_and_locus1, findSNPname1,
+    put(heading(kModels, count));
+    write_list(put, all.minimum, minimum_order, count, return_chromosome_and_locus1, findSNPname1,
                [&all](int number) { return all.minimum_model[number]; });
-    std::cout << text.str();
-    file_ << text.str();
 }
 
 }  // namespace vort

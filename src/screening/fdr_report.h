@@ -1,7 +1,6 @@
 // The false-discovery-rate report, made where `orginal_data` and `write_FDR_result` are both set.
 #pragma once
 
-#include <span>
 #include <vector>
 
 #include "common/output_file.h"

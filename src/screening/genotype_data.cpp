@@ -52,6 +52,13 @@ std::string expected_genotypes(int count) {
     return std::to_string(count) + " genotypes, " + std::to_string(Marker) + " expected";
 }
 
+// In quotes, with a question mark for what cannot be printed.
+std::string shown(std::string_view text) {
+    std::string quoted = "'";
+    for (const char c : text) quoted += c >= ' ' && c <= '~' ? c : '?';
+    return quoted + '\'';
+}
+
 // The character that ended a row too early.
 void diagnose_stop(long line, int count, char c) {
     const std::string rest = "; the rest of the row is taken as missing";
@@ -60,7 +67,7 @@ void diagnose_stop(long line, int count, char c) {
                  "a tab after " + expected_genotypes(count) + " with blanks between them" + rest);
     } else {
         diagnose("characters that are no genotype", inputfilename, line,
-                 std::string("'") + c + "' is no genotype code (0, 1, 2, -1), after " +
+                 shown(std::string_view(&c, 1)) + " is no genotype code (0, 1, 2, -1), after " +
                      expected_genotypes(count) + rest);
     }
 }
@@ -80,9 +87,8 @@ void diagnose_row(long line, std::string_view text, const ParsedRow& row) {
                  expected_genotypes(row.count) + "; the rest is taken as missing");
     } else if (behind != end) {
         diagnose("rows with too many genotypes", inputfilename, line,
-                 "more than the " + std::to_string(Marker) +
-                     " genotypes expected; ignored from \"" +
-                     std::string(behind, std::min<std::ptrdiff_t>(end - behind, 12)) + "\" on");
+                 "more than the " + std::to_string(Marker) + " genotypes expected; ignored from " +
+                     shown(std::string_view(behind, end).substr(0, 12)) + " on");
     }
 }
 
@@ -103,6 +109,13 @@ bool read_row(TextInput& input, char* codes, short& phenotype, int& given) {
         diagnose("phenotypes other than 0 and 1", inputfilename, line,
                  "phenotype " + std::to_string(phenotype) +
                      ", 0 or 1 expected; a control to the screening, a quantity to the model");
+    }
+    if (const int next = input.peek();
+        next != EOF && next != ' ' && !(next >= '\t' && next <= '\r')) {
+        diagnose("phenotypes that are no number", inputfilename, line,
+                 "phenotype " + std::to_string(phenotype) +
+                     " has something behind it, a blank was "
+                     "expected; that is read as the first genotype");
     }
     std::string_view text;
     input.line(text);
@@ -166,6 +179,7 @@ int read_data(char** genotypes, short* phenotypes) {
     int rows = 0;
     for (int i = 0; i < Sample; ++i) {
         int given = 0;
+        phenotypes[i] = 0;
         if (rows == i && read_row(input, genotypes[i], phenotypes[i], given)) ++rows;
         std::fill(genotypes[i] + given, genotypes[i] + std::max(Marker, 0), static_cast<char>(-1));
         if (phenotypes[i] == 1) ++cases;
@@ -185,6 +199,7 @@ void load_data_set_once() {
     DataSet& data = data_set();
     const auto markers = static_cast<std::size_t>(std::max(Marker, 0));
     const auto individuals = static_cast<std::size_t>(std::max(Sample, 0));
+    data.rows.reserve(individuals);
     data.codes = std::make_unique_for_overwrite<char[]>(individuals * markers);
     for (std::size_t i = 0; i < individuals; ++i) {
         data.rows.push_back(data.codes.get() + i * markers);

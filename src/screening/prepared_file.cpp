@@ -71,6 +71,15 @@ void read_phenotypes(TextInput& input, const std::string& name) {
             return;
         }
         Y[i] = static_cast<short>(line[at] - '0');
+        const bool followed = at + 1 == line.size() || line[at + 1] == ' ';
+        if ((line[at] != '0' && line[at] != '1') || !followed) {
+            diagnose("prepared phenotypes other than 0 and 1", name, 1,
+                     "0 or 1 and a blank were expected for individual " + std::to_string(i + 1));
+        }
+    }
+    if (line.find_first_not_of(' ', 2 * static_cast<std::size_t>(Sample)) != line.npos) {
+        diagnose("prepared phenotypes too many", name, 1,
+                 "more than the " + std::to_string(Sample) + " phenotypes expected");
     }
 }
 
@@ -82,10 +91,16 @@ void read_ranking(TextInput& input, const std::string& name, int* ranking) {
         const long line = input.line_number();
         input.integer(column);
         for (int c = 0; c < 8; ++c) input.integer(count);
-        if (input.failed() || column < 0 || column >= Marker) {
+        if (input.failed()) {
             diagnose("marker lines that cannot be used", name, line,
-                     "a column below " + std::to_string(Marker) +
-                         " and eight counts were expected; column 0 is taken");
+                     "a column and eight counts were expected; column 0 is taken from here on");
+            std::fill(ranking + k, ranking + prepared_length(), 0);
+            return;
+        }
+        if (column < 0 || column >= Marker) {
+            diagnose("marker lines that cannot be used", name, line,
+                     "a column below " + std::to_string(Marker) + " was expected, not " +
+                         std::to_string(column) + "; column 0 is taken");
             column = 0;
         }
         ranking[k] = column;

@@ -83,7 +83,13 @@ void diagnose_entry(const TableEntry& entry, int chromosome_before) {
     }
 }
 
-void diagnose_short_table(const TextInput& input, int entries) {
+// The table ended too early, or at an entry that is none.
+void diagnose_end(TextInput& input, long line, int entries) {
+    if (input.peek() != EOF) {
+        diagnose("chromosomes that are no number", kTableName, line,
+                 "a chromosome number was expected; no entry from here on is read");
+        return;
+    }
     diagnose("tables that are short", kTableName, input.line_number(),
              std::to_string(entries) + " entries (a chromosome number and a name each), " +
                  std::to_string(Marker) + " expected; the other markers have no name");
@@ -97,7 +103,7 @@ void read_table(TextInput& input, Take take) {
     int chromosome_before = 0;
     for (int i = 1; i <= Marker; ++i) {
         if (!read_entry(input, entry)) {
-            if (first_time) diagnose_short_table(input, i - 1);
+            if (first_time) diagnose_end(input, entry.line, i - 1);
             return;
         }
         if (first_time) diagnose_entry(entry, chromosome_before);
@@ -105,6 +111,12 @@ void read_table(TextInput& input, Take take) {
             chromosome_before = std::max(chromosome_before, entry.chromosome);
         }
         take(i, entry);
+    }
+    input.skip_space();
+    if (first_time && input.peek() != EOF) {
+        diagnose(
+            "entries too many", kTableName, input.line_number(),
+            "more than the " + std::to_string(Marker) + " entries expected; ignored from here on");
     }
 }
 
@@ -151,15 +163,15 @@ struct Place {
 };
 
 Place place_of(const ChromosomeLengths& lengths, int index) {
-    Place place{0, 0};
+    Place last{0, 0};  // of those with markers
     int total = 0;
     for (int c = 1; c <= kChromosomes; ++c) {
-        if (lengths.count[c] == 0) continue;
-        place = {c, total};
+        const int before = total;
         total += lengths.count[c];
-        if (index < total) break;
+        if (index < total) return {c, before};
+        if (total > before) last = {c, before};
     }
-    return place;
+    return last;
 }
 
 const char* find_name(int m, int* chromosome, bool& loaded, int (*locate)(int, int*, int*),
@@ -199,6 +211,11 @@ const char* findSNPname(int m, int* chromosome, int* locus) {
 
 const char* findSNPname1(int m, int* chromosome, int* locus) {
     return find_name(m, chromosome, snp_index().names_loaded1, return_chromosome_and_locus1, locus);
+}
+
+void check_marker_table() {
+    TextInput input{kTableName};
+    if (input.is_open()) read_table(input, [](int, const TableEntry&) {});
 }
 
 void forget_snp_index() {

@@ -23,6 +23,10 @@ int return_chromosome_and_locus1(int m, int* chromosome, int* locus);  // m from
 const char* findSNPname(int m, int* chromosome, int* locus);
 const char* findSNPname1(int m, int* chromosome, int* locus);
 
+// Says on standard error what is wrong with the table, for runs that look no marker up. A table
+// that cannot be opened is none of them.
+void check_marker_table();
+
 // Forgets the tables, so that the next call reads the file again. For tests.
 void forget_snp_index();
 

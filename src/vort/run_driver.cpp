@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <vector>
@@ -30,6 +29,8 @@ template <typename T>
 class RowTable {
   public:
     RowTable(int rows, int columns) {
+        storage_.reserve(static_cast<std::size_t>(rows));
+        rows_.reserve(static_cast<std::size_t>(rows));
         for (int r = 0; r < rows; ++r) {
             storage_.emplace_back(std::make_unique<T[]>(static_cast<std::size_t>(columns)));
             rows_.push_back(storage_.back().get());
@@ -65,9 +66,14 @@ void check_sizes() {
                      " cannot be analysed: at least 1, 0 and 0 were expected");
         end_program();
     }
+    // Genotypes, rankings and phenotypes, and what each individual, marker and data set takes
+    // besides.
     const double genotypes = static_cast<double>(Sample) * Marker;
     const double tables = (Permutation + 1.0) * (4.0 * Marker + 2.0 * Sample);
-    require_memory(genotypes + tables,
+    const double individuals = 50.0 * Sample;
+    const double markers = 30.0 * Marker;
+    const double data_sets = (Permutation + 1.0) * (150.0 + Sample / 8.0);
+    require_memory(genotypes + tables + individuals + markers + data_sets,
                    std::to_string(Sample) + " individuals (Sample_size), " +
                        std::to_string(Marker) + " markers (Number_of_markers) and " +
                        std::to_string(Permutation) + " permutations (Number_of_permutation)");
@@ -104,7 +110,7 @@ void screen_prepared_files(DataSets& data) {
 // of the marker table, so the name and chromosome are those of the line before the marker's own.
 void append_marker_names(const int* list, int count, const int* ranking) {
     OutputFile report("Final_result.txt", OutputFile::Mode::kAppend);
-    if (count <= 0 || list == nullptr) return;
+    if (count <= 0 || list == nullptr) return check_marker_table();
     for (int i = 0; list[i] > 0; ++i) {
         const int m = ranking[list[i] - 1];
         int chromosome = 0;
@@ -117,9 +123,8 @@ void append_marker_names(const int* list, int count, const int* ranking) {
 }
 
 void remove_intermediate_files() {
-    std::error_code ignored;
-    std::filesystem::remove("beta.txt", ignored);
-    std::filesystem::remove("output_X_Y.txt", ignored);
+    remove_file("beta.txt");
+    remove_file("output_X_Y.txt");
 }
 
 }  // namespace
