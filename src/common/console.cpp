@@ -33,6 +33,11 @@ class ConsoleBuffer : public std::streambuf {
 
     std::streamsize xsputn(const char* text, std::streamsize size) override {
         std::streamsize done = 0;
+        if (size >= kLarge) {
+            write_out();
+            write_all(text, text + size);
+            done = size;
+        }
         while (done < size) {
             if (pptr() == epptr() && !write_out()) return done;
             const std::streamsize part = std::min<std::streamsize>(size - done, epptr() - pptr());
@@ -50,12 +55,18 @@ class ConsoleBuffer : public std::streambuf {
 
   private:
     static constexpr std::size_t kSize = std::size_t{1} << 18;
+    static constexpr std::streamsize kLarge = 1 << 14;  // not worth a copy
 
     bool write_out() {
-        const char* text = pbase();
-        while (text < pptr() && !failed_) {
+        write_all(pbase(), pptr());
+        setp(buffer_.data(), buffer_.data() + buffer_.size());
+        return true;  // what a broken pipe or a full disk swallows does not stop the analysis
+    }
+
+    void write_all(const char* text, const char* end) {
+        while (text < end && !failed_) {
             const ssize_t written =
-                ::write(STDOUT_FILENO, text, static_cast<std::size_t>(pptr() - text));
+                ::write(STDOUT_FILENO, text, static_cast<std::size_t>(end - text));
             if (written >= 0) {
                 text += written;
             } else if (errno != EINTR) {
@@ -65,8 +76,6 @@ class ConsoleBuffer : public std::streambuf {
                              "); the reports are still made");
             }
         }
-        setp(buffer_.data(), buffer_.data() + buffer_.size());
-        return true;  // what a broken pipe or a full disk swallows does not stop the analysis
     }
 
     std::vector<char> buffer_;

@@ -1,18 +1,11 @@
 #include "common/line_writer.h"
 
 #include <charconv>
-#include <cstring>
 #include <ostream>
 
 #include "common/number_text.h"
 
 namespace vort {
-
-LineWriter& LineWriter::text(std::string_view piece) {
-    std::memcpy(buffer_.data() + size_, piece.data(), piece.size());
-    size_ += piece.size();
-    return *this;
-}
 
 LineWriter& LineWriter::integer(int value) {
     char* const at = buffer_.data() + size_;

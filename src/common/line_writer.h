@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <iosfwd>
 #include <string_view>
 
@@ -23,7 +24,11 @@ class LineWriter {
     LineWriter& operator=(const LineWriter&) = delete;
 
     // A line may have up to kLongestLine characters.
-    LineWriter& text(std::string_view piece);
+    LineWriter& text(std::string_view piece) {
+        std::memcpy(buffer_.data() + size_, piece.data(), piece.size());
+        size_ += piece.size();
+        return *this;
+    }
     LineWriter& integer(int value);
     LineWriter& general(double value);
     void end_line();

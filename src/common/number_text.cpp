@@ -76,8 +76,8 @@ char* write_below_one(int digits, int zeros, char* out) {
         if (end == out + 2) --end;
         return std::copy_n("e-05", 4, end);
     }
-    out = std::copy_n("0.000", 2 + zeros, out);
-    return write_digits(digits, out);
+    std::copy_n("0.000000", 8, out);
+    return write_digits(digits, out + 2 + zeros);
 }
 
 }  // namespace

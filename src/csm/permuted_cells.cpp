@@ -1,8 +1,8 @@
 #include "csm/permuted_cells.h"
 
 #include <algorithm>
-#include <cstring>
 
+#include "csm/cell_sum_kernel.h"
 #include "numeric/draw_positions.h"
 
 namespace vort {
@@ -31,11 +31,12 @@ PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, 
       with_sums_(with_sums),
       value_{0, 1},
       cell_count_(static_cast<std::size_t>(cells.ncell) + 1),
-      labels_(labels_of(yy)),
+      instructions_(best_instructions()),
+      labels_(labels_of(yy), instructions_),
       positions_(n_),
-      lane_positions_(n_),
+      lane_positions_(n_ * kLanes),
       phenotype_(n_ * kLanes),
-      sum_(cell_count_.size()) {
+      sum_(cell_count_.size() * kLanes) {
     if (with_sums) {
         const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
         value_[0] = *low;
@@ -59,49 +60,36 @@ void PermutedCells::draw(int orders) {
 
 // Lanes without an order take the first item that is left.
 void PermutedCells::draw_phenotypes(int orders) {
-    for (int l = 0; l < orders; ++l) {
-        draw_positions(static_cast<int>(n_), positions_.data());
+    for (int l = 0; l < kLanes; ++l) {
+        if (l < orders) {
+            draw_positions(static_cast<int>(n_), positions_.data());
+        } else {
+            std::fill(positions_.begin(), positions_.end(), 0);
+        }
         for (std::size_t c = 0; c < n_; ++c) {
-            lane_positions_[c][l] = static_cast<std::int16_t>(positions_[c]);
+            lane_positions_[c * kLanes + l] = static_cast<std::int16_t>(positions_[c]);
         }
     }
-    for (int l = orders; l < kLanes; ++l) {
-        for (auto& position : lane_positions_) position[l] = 0;
-    }
-    labels_.refill();
-    for (std::size_t c = 0; c < n_; ++c) {
-        labels_.take(lane_positions_[c], value_, phenotype_.data() + c * kLanes);
-    }
-}
-
-Lanes PermutedCells::phenotype(int i) const {
-    Lanes lanes;
-    std::memcpy(&lanes, phenotype_.data() + static_cast<std::size_t>(i) * kLanes, sizeof lanes);
-    return lanes;
+    labels_.draw(lane_positions_, value_, phenotype_.data());
 }
 
 void PermutedCells::sum_cells() {
-    mean_ = Lanes{};
+    using Portable = CellSumKernel<Instructions::kPortable>;
+    using Wide = CellSumKernel<Instructions::kWide>;
+    const bool wide = instructions_ == Instructions::kWide;
     if (with_sums_) {
-        Lanes total{};
-        for (const int i : member_) total += phenotype(i);
-        mean_ = total / static_cast<double>(member_.size());
+        (wide ? Wide::mean : Portable::mean)(phenotype_.data(), member_.data(),
+                                             static_cast<int>(member_.size()), mean_);
     }
-    const int* next = by_cell_.data();
-    for (std::size_t c = 1; c < sum_.size(); ++c) {
-        Lanes sum{};
-        for (const int* const end = next + cell_count_[c]; next < end; ++next) {
-            sum += phenotype(*next) - mean_;
-        }
-        sum_[c] = sum;
-    }
+    (wide ? Wide::sums : Portable::sums)(phenotype_.data(), by_cell_.data(), cell_count_.data(),
+                                         ncell(), mean_, sum_.data());
 }
 
 void PermutedCells::describe(int l, double* sum, int* cases) const {
     const double control = value_[0] - mean_[l];
     const double step = value_[1] - value_[0];
-    for (std::size_t c = 1; c < sum_.size(); ++c) {
-        sum[c] = sum_[c][l];
+    for (std::size_t c = 1; c < cell_count_.size(); ++c) {
+        sum[c] = sum_[c * kLanes + l];
         cases[c] = static_cast<int>((sum[c] - cell_count_[c] * control) / step + 0.5);
     }
 }

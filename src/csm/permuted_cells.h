@@ -12,6 +12,7 @@
 // Cost: for each individual and order a draw of 4 nanoseconds and an addition or two.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -45,7 +46,6 @@ class PermutedCells {
   private:
     void draw_phenotypes(int orders);
     void sum_cells();
-    Lanes phenotype(int i) const;
 
     std::size_t n_;
     bool with_sums_;
@@ -53,12 +53,13 @@ class PermutedCells {
     std::vector<int> member_;      // individuals (from 0) that are in cells, in their order
     std::vector<int> by_cell_;     // the same, cell by cell
     std::vector<int> cell_count_;  // elements 1 .. ncell
+    Instructions instructions_;
     LabelLanes labels_;
     std::vector<int> positions_;
-    std::vector<LabelLanes::Positions> lane_positions_;
+    std::vector<std::int16_t> lane_positions_;
     std::vector<double> phenotype_;  // of each individual, kLanes values, one for each order
-    Lanes mean_{};
-    std::vector<Lanes> sum_;  // elements 1 .. ncell
+    double mean_[kLanes] = {};
+    std::vector<double> sum_;  // of each cell, kLanes values
 };
 
 }  // namespace vort

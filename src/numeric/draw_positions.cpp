@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "numeric/draw_kernel.h"
 #include "numeric/random.h"
 
 namespace vort {
@@ -49,15 +50,6 @@ const Cycles& cycles() {
     return made;
 }
 
-// A stretch in which no part returns to the beginning of its cycle.
-void draw_stretch(const double* x, const double* y, const double* z, int size, int left, int* out) {
-    for (int c = 0; c < size; ++c) {
-        const double sum = x[c] + y[c] + z[c];
-        const double u = sum - static_cast<int>(sum);
-        out[c] = static_cast<int>((left - c) * u);
-    }
-}
-
 void draw_one_by_one(int n, int* out) {
     for (int c = 0; c < n; ++c) out[c] = static_cast<int>((n - c) * rand1());
 }
@@ -73,6 +65,10 @@ void draw_positions(int n, int* out) {
     if (x == Cycle::kNowhere || y == Cycle::kNowhere || z == Cycle::kNowhere) {
         return draw_one_by_one(n, out);
     }
+    const auto draw_stretch = best_instructions() == Instructions::kWide
+                                  ? DrawKernel<Instructions::kWide>::positions
+                                  : DrawKernel<Instructions::kPortable>::positions;
+    // Stretches in which no part returns to the beginning of its cycle.
     for (int done = 0; done < n;) {
         x = all.x.next(x);
         y = all.y.next(y);

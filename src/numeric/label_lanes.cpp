@@ -2,28 +2,35 @@
 
 #include <algorithm>
 
+#include "numeric/draw_kernel.h"
+
 namespace vort {
 
-LabelLanes::LabelLanes(std::span<const unsigned char> labels) {
-    const std::size_t size = labels.size();
-    const std::size_t words = (size + kBits - 1) / kBits;
-    full_ends_.resize(words + 1);
+LabelLanes::LabelLanes(std::span<const unsigned char> labels, Instructions instructions)
+    : instructions_(instructions), words_(static_cast<int>((labels.size() + kBits - 1) / kBits)) {
+    const auto words = static_cast<std::size_t>(words_);
+    full_ends_.resize((1 + words + words % 2) * kLanes);
     full_words_.resize(words * kLanes);
     for (std::size_t w = 0; w < words; ++w) {
-        const std::size_t end = std::min(size, (w + 1) * kBits);
+        const std::size_t end = std::min(labels.size(), (w + 1) * kBits);
         std::uint64_t word = 0;
         for (std::size_t i = w * kBits; i < end; ++i) {
             if (labels[i] != 0) word |= std::uint64_t{1} << (i % kBits);
         }
-        full_ends_[w + 1] = Ends{} + static_cast<std::int16_t>(end);
+        std::fill_n(full_ends_.begin() + (w + 1) * kLanes, kLanes, static_cast<std::int16_t>(end));
         std::fill_n(full_words_.begin() + w * kLanes, kLanes, word);
     }
-    refill();
 }
 
-void LabelLanes::refill() {
+void LabelLanes::draw(std::span<const std::int16_t> positions, const double (&value)[2],
+                      double* out) {
     ends_ = full_ends_;
-    words_ = full_words_;
+    left_ = full_words_;
+    const auto draw_labels = instructions_ == Instructions::kWide
+                                 ? DrawKernel<Instructions::kWide>::labels
+                                 : DrawKernel<Instructions::kPortable>::labels;
+    draw_labels(positions.data(), positions.size() / kLanes, {ends_.data(), words_, left_.data()},
+                value, out);
 }
 
 }  // namespace vort

@@ -7,9 +7,8 @@
 //     template <typename Number>
 //     Number ratio(Number a, Number b) { return select(b > 0.0, a / b, Number{}); }
 //
-// Two widths are in use. Vectors as wide as the machine's registers are what comparisons and
-// select() need: elsewhere the compiler takes them apart, lane by lane. Lanes are eight doubles,
-// several registers, for plain sums.
+// Vectors are as wide as the machine's registers: the compiler takes wider ones apart lane by lane
+// where they are compared.
 #pragma once
 
 #include <cmath>
@@ -19,8 +18,8 @@
 
 namespace vort {
 
+// How many orders of a phenotype are worked on at a time.
 constexpr int kLanes = 8;
-using Lanes [[gnu::vector_size(kLanes * sizeof(double))]] = double;
 
 template <Instructions kInstructions>
 struct Register;

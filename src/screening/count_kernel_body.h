@@ -8,22 +8,34 @@
 
 namespace vort {
 
+namespace plane {
+
+[[gnu::always_inline]] inline std::uint64_t word(const unsigned char* bytes) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, bytes, sizeof bits);
+    return bits;
+}
+
+}  // namespace plane
+
 template <Instructions kInstructions>
 void CountKernel<kInstructions>::count(const unsigned char* planes, int columns,
                                        std::size_t plane_size, const unsigned char* mask,
                                        PlaneCounts* out) {
-    for (int c = 0; c < columns; ++c) {
-        for (int p = 0; p < 3; ++p, planes += plane_size) {
-            int bits = 0;
-            for (std::size_t b = 0; b < plane_size; b += sizeof(std::uint64_t)) {
-                std::uint64_t has = 0;
-                std::uint64_t wanted = 0;
-                std::memcpy(&has, planes + b, sizeof has);
-                std::memcpy(&wanted, mask + b, sizeof wanted);
-                bits += __builtin_popcountll(has & wanted);
-            }
-            out[c].count[p] = bits;
+    for (int c = 0; c < columns; ++c, planes += 3 * plane_size) {
+        const unsigned char* const one = planes;
+        const unsigned char* const two = planes + plane_size;
+        const unsigned char* const missing = planes + 2 * plane_size;
+        int ones = 0;
+        int twos = 0;
+        int missings = 0;
+        for (std::size_t b = 0; b < plane_size; b += sizeof(std::uint64_t)) {
+            const std::uint64_t wanted = plane::word(mask + b);
+            ones += __builtin_popcountll(plane::word(one + b) & wanted);
+            twos += __builtin_popcountll(plane::word(two + b) & wanted);
+            missings += __builtin_popcountll(plane::word(missing + b) & wanted);
         }
+        out[c] = {{ones, twos, missings}};
     }
 }
 

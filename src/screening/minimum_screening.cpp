@@ -77,7 +77,7 @@ MinimumScreening::MinimumScreening(const CountedDataSets& counts, int markers, G
       sizes_(sizes),
       limits_(limits),
       instructions_(instructions),
-      queue_(instructions) {}
+      queue_(instructions, kModels * kMarkerBlock) {}
 
 bool MinimumScreening::fits(GroupSizes sizes) {
     return std::int64_t{4} * sizes.cases * sizes.controls < std::numeric_limits<int>::max();
@@ -130,30 +130,33 @@ void MinimumScreening::list_significant(int slot, int marker, const Models& mode
 }
 
 void MinimumScreening::queue_candidates(int slot, const Models& models) {
-    double largest = 0;
-    for (const Model& model : models) {
-        if (model.df == 1) largest = std::max(largest, model.statistic);
-    }
     const Model& genotype = models[3];
+    double largest = std::max({models[0].statistic, models[1].statistic, models[2].statistic});
+    if (genotype.df == 1) largest = std::max(largest, genotype.statistic);
     const bool compare = genotype.df == 2 && largest < EquivalentStatistic::kLimit;
     if (compare && genotype.statistic > equivalent_statistic().above(largest)) {
         queue_.add(2, genotype.statistic, slot);
         return;
     }
-    const double close = largest - (kMargin + kMargin * largest);
-    for (const Model& model : models) {
-        if (model.df == 1 && model.statistic >= close) queue_.add(1, model.statistic, slot);
-    }
     if (genotype.df == 2 &&
         (!compare || genotype.statistic >= equivalent_statistic().below(largest))) {
         queue_.add(2, genotype.statistic, slot);
     }
+    // Which model is the largest cannot be foreseen, but that it stands alone can.
+    const double close = largest - (kMargin + kMargin * largest);
+    int candidates = 0;
+    for (const Model& model : models) {
+        candidates += static_cast<int>(model.df == 1) & static_cast<int>(model.statistic >= close);
+    }
+    if (candidates == 1) return queue_.add(1, largest, slot);
+    for (const Model& model : models) {
+        if (model.df == 1 && model.statistic >= close) queue_.add(1, model.statistic, slot);
+    }
 }
 
 void MinimumScreening::finish_block(int first, int size) {
-    for (const auto& [slot, pvalue] : queue_.take()) {
-        minimum_[slot] = std::min(minimum_[slot], pvalue);
-    }
+    queue_.take(
+        [this](int slot, double pvalue) { minimum_[slot] = std::min(minimum_[slot], pvalue); });
     for (int slot = 0; slot < size; ++slot) {
         const int marker = first + slot + 1;
         result_.minimum.push_back({minimum_[slot], marker});

@@ -1,0 +1,33 @@
+// The inner loops of drawing, for draw_positions.h and label_lanes.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "numeric/instructions.h"
+
+namespace vort {
+
+// What is left of kLanes copies of the same labels; see label_lanes.h.
+struct LabelState {
+    // Labels up to the end of each word, kLanes counts for a word. A row of zeros stands before the
+    // first word, one behind the last where that makes the number of words even.
+    std::int16_t* ends;
+    int words;            // without those rows
+    std::uint64_t* word;  // kLanes words for each 64 labels
+};
+
+template <Instructions kInstructions>
+struct DrawKernel {
+    // out[c] = (left - c) * u, cut to a whole number, u being the c-th sum of the three quotients
+    // modulo 1.
+    static void positions(const double* x, const double* y, const double* z, int size, int left,
+                          int* out);
+
+    // For each of n draws takes from each lane the item at its position, kLanes positions a draw;
+    // out receives value[label], kLanes a draw.
+    static void labels(const std::int16_t* positions, std::size_t n, const LabelState& state,
+                       const double* value, double* out);
+};
+
+}  // namespace vort
