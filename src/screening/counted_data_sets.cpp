@@ -15,27 +15,19 @@ constexpr int kPackedBits = 32;
 
 }  // namespace
 
-CountedDataSets::Widths CountedDataSets::widths_of(const TopCounts& total) {
+CountedDataSets::Packing::Packing(const TopCounts& counted) : total(counted) {
     const auto width = [](int most) {
-        return static_cast<int>(std::bit_width(static_cast<unsigned>(most)));
+        return static_cast<unsigned char>(std::bit_width(static_cast<unsigned>(most)));
     };
-    return {width(total.one), width(total.two), width(total.missing)};
-}
-
-TopCounts CountedDataSets::cases(int j, int packed) const {
-    const Widths width = widths_of(totals_[j]);
-    const std::uint64_t bits = static_cast<std::uint32_t>(packed);
-    const auto field = [bits](int from, int size) {
-        return static_cast<int>(bits >> from & ((std::uint64_t{1} << size) - 1));
-    };
-    return {field(0, width.one), field(width.one, width.two),
-            field(width.one + width.two, width.missing)};
+    two_from = width(total.one);
+    missing_from = static_cast<unsigned char>(two_from + width(total.two));
+    size = static_cast<unsigned char>(missing_from + width(total.missing));
 }
 
 CountedDataSets::CountedDataSets(char* const* genotypes, int individuals, int markers,
                                  std::span<short* const> phenotypes, std::span<int* const> rankings,
                                  Instructions instructions)
-    : totals_(static_cast<std::size_t>(markers)) {
+    : markers_(static_cast<std::size_t>(markers)) {
     const auto count = instructions == Instructions::kWide
                            ? CountKernel<Instructions::kWide>::count
                            : CountKernel<Instructions::kPortable>::count;
@@ -50,22 +42,21 @@ CountedDataSets::CountedDataSets(char* const* genotypes, int individuals, int ma
         const int columns = std::min(GenotypeTile::kColumns, markers - first);
         tile.load(genotypes, first, columns);
         count(tile.column(0), columns, tile.plane_size(), everybody.data(), counts.data());
-        std::array<Widths, GenotypeTile::kColumns> width{};
         for (int c = 0; c < columns; ++c) {
             const auto& [one, two, missing] = counts[c].count;
-            totals_[first + c] = {one, two, missing};
-            width[c] = widths_of(totals_[first + c]);
-            ready_ = ready_ && width[c].one + width[c].two + width[c].missing <= kPackedBits;
+            markers_[first + c] = Packing({one, two, missing});
+            ready_ = ready_ && markers_[first + c].size <= kPackedBits;
         }
         if (!ready_) return;
         for (std::size_t d = 0; d < cases.size(); ++d) {
             count(tile.column(0), columns, tile.plane_size(), cases[d].data(), counts.data());
             for (int c = 0; c < columns; ++c) {
                 const auto& [one, two, missing] = counts[c].count;
+                const Packing& packing = markers_[first + c];
                 const std::uint64_t packed = static_cast<std::uint64_t>(one) |
-                                             static_cast<std::uint64_t>(two) << width[c].one |
+                                             static_cast<std::uint64_t>(two) << packing.two_from |
                                              static_cast<std::uint64_t>(missing)
-                                                 << (width[c].one + width[c].two);
+                                                 << packing.missing_from;
                 rankings[d][first + c] = static_cast<int>(static_cast<std::uint32_t>(packed));
             }
         }

@@ -41,20 +41,32 @@ class CountedDataSets {
     bool ready() const { return ready_; }
 
     // Over all individuals; j from 0.
-    const TopCounts& total(int j) const { return totals_[j]; }
+    const TopCounts& total(int j) const { return markers_[j].total; }
 
     // The cases of column j, from its packed counts in a data set's ranking row.
-    TopCounts cases(int j, int packed) const;
+    TopCounts cases(int j, int packed) const {
+        const Packing& packing = markers_[j];
+        const std::uint64_t bits = static_cast<std::uint32_t>(packed);
+        const std::uint64_t upper = bits >> packing.two_from;
+        const int two_bits = packing.missing_from - packing.two_from;
+        return {static_cast<int>(bits - (upper << packing.two_from)),
+                static_cast<int>(upper & ((std::uint64_t{1} << two_bits) - 1)),
+                static_cast<int>(upper >> two_bits)};
+    }
 
   private:
-    struct Widths {
-        int one;
-        int two;
-        int missing;
-    };
-    static Widths widths_of(const TopCounts& total);
+    // A marker's totals, and where in the 32 bits its second and third count begin.
+    struct Packing {
+        explicit Packing(const TopCounts& total);
+        Packing() = default;
 
-    std::vector<TopCounts> totals_;
+        TopCounts total;
+        unsigned char two_from;
+        unsigned char missing_from;
+        unsigned char size;
+    };
+
+    std::vector<Packing> markers_;
     bool ready_ = true;
 };
 
