@@ -74,15 +74,14 @@ void PermutedCells::draw_phenotypes(int orders) {
 }
 
 void PermutedCells::sum_cells() {
-    using Portable = CellSumKernel<Instructions::kPortable>;
-    using Wide = CellSumKernel<Instructions::kWide>;
-    const bool wide = instructions_ == Instructions::kWide;
     if (with_sums_) {
-        (wide ? Wide::mean : Portable::mean)(phenotype_.data(), member_.data(),
-                                             static_cast<int>(member_.size()), mean_);
+        const auto mean =
+            kernel_for(instructions_, []<Instructions I>() { return CellSumKernel<I>::mean; });
+        mean(phenotype_.data(), member_.data(), static_cast<int>(member_.size()), mean_);
     }
-    (wide ? Wide::sums : Portable::sums)(phenotype_.data(), by_cell_.data(), cell_count_.data(),
-                                         ncell(), mean_, sum_.data());
+    const auto sums =
+        kernel_for(instructions_, []<Instructions I>() { return CellSumKernel<I>::sums; });
+    sums(phenotype_.data(), by_cell_.data(), cell_count_.data(), ncell(), mean_, sum_.data());
 }
 
 void PermutedCells::describe(int l, double* sum, int* cases) const {

@@ -27,18 +27,15 @@ ChiSquareQueue::ChiSquareQueue(Instructions instructions, int capacity)
       log_gamma_{0, gammln(0.5), gammln(1.0)} {}
 
 void ChiSquareQueue::evaluate(Items& items) const {
-    using Portable = ChiSquareKernel<Instructions::kPortable>;
-    using Wide = ChiSquareKernel<Instructions::kWide>;
-    const bool wide = instructions_ == Instructions::kWide;
-    const bool series = &items == &series_;
     std::size_t padded = items.size;
     for (; padded % kStatisticsAtOnce != 0; ++padded) {
         items.a[padded] = 0.5;
         items.x[padded] = kPadding;
         items.gln[padded] = log_gamma_[1];
     }
-    const auto expand = series ? (wide ? Wide::series : Portable::series)
-                               : (wide ? Wide::fraction : Portable::fraction);
+    const auto expand = kernel_for(instructions_, [series = &items == &series_]<Instructions I>() {
+        return series ? ChiSquareKernel<I>::series : ChiSquareKernel<I>::fraction;
+    });
     expand(items.a.data(), items.x.data(), items.gln.data(), static_cast<int>(padded),
            items.tail.data());
     for (std::size_t k = 0; k < items.size; ++k) {

@@ -10,7 +10,7 @@ namespace vort {
 
 namespace drawing {
 
-// A register of counts: those of one word in all lanes, or of two words.
+// A register of counts: those of one or of two words in all lanes.
 template <Instructions kInstructions>
 struct Counts;
 
@@ -36,6 +36,10 @@ struct Counts<Instructions::kWide> {
         to = __builtin_shufflevector(once, once, 0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7);
     }
 };
+
+// Four words at once gain nothing: the rest of a draw takes longer.
+template <>
+struct Counts<Instructions::kWidest> : Counts<Instructions::kWide> {};
 
 }  // namespace drawing
 

@@ -65,9 +65,8 @@ void draw_positions(int n, int* out) {
     if (x == Cycle::kNowhere || y == Cycle::kNowhere || z == Cycle::kNowhere) {
         return draw_one_by_one(n, out);
     }
-    const auto draw_stretch = best_instructions() == Instructions::kWide
-                                  ? DrawKernel<Instructions::kWide>::positions
-                                  : DrawKernel<Instructions::kPortable>::positions;
+    const auto draw_stretch =
+        kernel_for(best_instructions(), []<Instructions I>() { return DrawKernel<I>::positions; });
     // Stretches in which no part returns to the beginning of its cycle.
     for (int done = 0; done < n;) {
         x = all.x.next(x);

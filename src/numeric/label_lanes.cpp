@@ -26,9 +26,8 @@ void LabelLanes::draw(std::span<const std::int16_t> positions, const double (&va
                       double* out) {
     ends_ = full_ends_;
     left_ = full_words_;
-    const auto draw_labels = instructions_ == Instructions::kWide
-                                 ? DrawKernel<Instructions::kWide>::labels
-                                 : DrawKernel<Instructions::kPortable>::labels;
+    const auto draw_labels =
+        kernel_for(instructions_, []<Instructions I>() { return DrawKernel<I>::labels; });
     draw_labels(positions.data(), positions.size() / kLanes, {ends_.data(), words_, left_.data()},
                 value, out);
 }

@@ -40,6 +40,14 @@ struct Register<Instructions::kWide> {
     using Ints [[gnu::vector_size(16)]] = int;
 };
 
+template <>
+struct Register<Instructions::kWidest> {
+    static constexpr int kSize = 8;
+    using Doubles [[gnu::vector_size(64)]] = double;
+    using Mask [[gnu::vector_size(64)]] = std::int64_t;
+    using Ints [[gnu::vector_size(32)]] = int;
+};
+
 // `yes` where the condition holds, else `no`; both are evaluated.
 inline double select(bool condition, double yes, double no) {
     return condition ? yes : no;
@@ -54,13 +62,21 @@ template <typename Mask, typename Doubles>
 inline double whole_part(double x) {
     return std::trunc(x);
 }
+template <Instructions kInstructions>
+[[gnu::always_inline]] inline auto whole_part_of(
+    const typename Register<kInstructions>::Doubles& x) {
+    using Types = Register<kInstructions>;
+    return __builtin_convertvector(__builtin_convertvector(x, typename Types::Ints),
+                                   typename Types::Doubles);
+}
 [[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kPortable>::Doubles& x) {
-    using Types = Register<Instructions::kPortable>;
-    return __builtin_convertvector(__builtin_convertvector(x, Types::Ints), Types::Doubles);
+    return whole_part_of<Instructions::kPortable>(x);
 }
 [[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kWide>::Doubles& x) {
-    using Types = Register<Instructions::kWide>;
-    return __builtin_convertvector(__builtin_convertvector(x, Types::Ints), Types::Doubles);
+    return whole_part_of<Instructions::kWide>(x);
+}
+[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kWidest>::Doubles& x) {
+    return whole_part_of<Instructions::kWidest>(x);
 }
 
 }  // namespace vort

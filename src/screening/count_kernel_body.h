@@ -16,6 +16,10 @@ namespace plane {
     return bits;
 }
 
+[[gnu::always_inline]] inline std::uint64_t bits(std::uint64_t word) {
+    return static_cast<std::uint64_t>(__builtin_popcountll(word));
+}
+
 }  // namespace plane
 
 template <Instructions kInstructions>
@@ -26,16 +30,16 @@ void CountKernel<kInstructions>::count(const unsigned char* planes, int columns,
         const unsigned char* const one = planes;
         const unsigned char* const two = planes + plane_size;
         const unsigned char* const missing = planes + 2 * plane_size;
-        int ones = 0;
-        int twos = 0;
-        int missings = 0;
+        std::uint64_t ones = 0;
+        std::uint64_t twos = 0;
+        std::uint64_t missings = 0;
         for (std::size_t b = 0; b < plane_size; b += sizeof(std::uint64_t)) {
             const std::uint64_t wanted = plane::word(mask + b);
-            ones += __builtin_popcountll(plane::word(one + b) & wanted);
-            twos += __builtin_popcountll(plane::word(two + b) & wanted);
-            missings += __builtin_popcountll(plane::word(missing + b) & wanted);
+            ones += plane::bits(plane::word(one + b) & wanted);
+            twos += plane::bits(plane::word(two + b) & wanted);
+            missings += plane::bits(plane::word(missing + b) & wanted);
         }
-        out[c] = {{ones, twos, missings}};
+        out[c] = {{static_cast<int>(ones), static_cast<int>(twos), static_cast<int>(missings)}};
     }
 }
 

@@ -28,9 +28,8 @@ CountedDataSets::CountedDataSets(char* const* genotypes, int individuals, int ma
                                  std::span<short* const> phenotypes, std::span<int* const> rankings,
                                  Instructions instructions)
     : markers_(static_cast<std::size_t>(markers)) {
-    const auto count = instructions == Instructions::kWide
-                           ? CountKernel<Instructions::kWide>::count
-                           : CountKernel<Instructions::kPortable>::count;
+    const auto count =
+        kernel_for(instructions, []<Instructions I>() { return CountKernel<I>::count; });
     GenotypeTile tile(individuals);
     const std::vector<unsigned char> everybody(tile.plane_size(), 0xFF);
     std::vector<std::vector<unsigned char>> cases;

@@ -167,16 +167,14 @@ void MinimumScreening::finish_block(int first, int size) {
 }
 
 ScreeningResult& MinimumScreening::screen(const int* packed) {
+    const auto compute_statistics =
+        kernel_for(instructions_, []<Instructions I>() { return FiveModelKernel<I>::statistics; });
     result_.clear();
     result_.minimum.reserve(static_cast<std::size_t>(markers_));
     for (int first = 0; first < markers_; first += kMarkerBlock) {
         const int size = std::min(kMarkerBlock, markers_ - first);
         load_block(packed, first, size);
-        if (instructions_ == Instructions::kWide) {
-            FiveModelKernel<Instructions::kWide>::statistics(table_, statistics_);
-        } else {
-            FiveModelKernel<Instructions::kPortable>::statistics(table_, statistics_);
-        }
+        compute_statistics(table_, statistics_);
         minimum_.fill(1.0);
         for (int slot = 0; slot < size; ++slot) {
             if (state_[slot] == State::kDropped) ++result_.dropped;

@@ -1,0 +1,8 @@
+// Compiled with the widest instructions where the build has them for this architecture.
+#include "numeric/draw_kernel_body.h"
+
+namespace vort {
+
+template struct DrawKernel<Instructions::kWidest>;
+
+}  // namespace vort
