@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -10,6 +9,7 @@
 
 #include "common/diagnostics.h"
 #include "common/end_program.h"
+#include "common/large_array.h"
 #include "common/output_file.h"
 #include "common/text_input.h"
 #include "screening/genotype_row.h"
@@ -21,7 +21,7 @@ namespace {
 
 // What `X` and `Y` point into.
 struct DataSet {
-    std::unique_ptr<char[]> codes;
+    LargeArray<char> codes;
     std::vector<char*> rows;
     std::vector<short> phenotypes;
 };
@@ -200,9 +200,9 @@ void load_data_set_once() {
     const auto markers = static_cast<std::size_t>(std::max(Marker, 0));
     const auto individuals = static_cast<std::size_t>(std::max(Sample, 0));
     data.rows.reserve(individuals);
-    data.codes = std::make_unique_for_overwrite<char[]>(individuals * markers);
+    data.codes = LargeArray<char>(individuals * markers);
     for (std::size_t i = 0; i < individuals; ++i) {
-        data.rows.push_back(data.codes.get() + i * markers);
+        data.rows.push_back(data.codes.data() + i * markers);
     }
     data.phenotypes.assign(individuals + 1, 0);
     X = data.rows.data();

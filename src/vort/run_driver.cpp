@@ -8,6 +8,7 @@
 
 #include "common/diagnostics.h"
 #include "common/end_program.h"
+#include "common/large_array.h"
 #include "common/memory_check.h"
 #include "common/output_file.h"
 #include "common/parameter_file.h"
@@ -24,23 +25,22 @@ namespace vort {
 
 namespace {
 
-// A table of rows of their own, as the stages take it.
+// A table as the stages take it, by its rows.
 template <typename T>
 class RowTable {
   public:
-    RowTable(int rows, int columns) {
-        storage_.reserve(static_cast<std::size_t>(rows));
+    RowTable(int rows, int columns)
+        : storage_(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns)) {
         rows_.reserve(static_cast<std::size_t>(rows));
         for (int r = 0; r < rows; ++r) {
-            storage_.emplace_back(std::make_unique<T[]>(static_cast<std::size_t>(columns)));
-            rows_.push_back(storage_.back().get());
+            rows_.push_back(storage_.data() + static_cast<std::size_t>(r) * columns);
         }
     }
     T* operator[](int row) { return rows_[row]; }
     std::vector<T*>& rows() { return rows_; }
 
   private:
-    std::vector<std::unique_ptr<T[]>> storage_;
+    LargeArray<T> storage_;
     std::vector<T*> rows_;
 };
 
