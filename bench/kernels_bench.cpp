@@ -114,19 +114,19 @@ void permuted_labels_fast(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     std::vector<unsigned char> labels(static_cast<std::size_t>(n));
     for (std::size_t i = 0; i < labels.size(); i += 2) labels[i] = 1;
-    LabelLanes lanes(labels);
+    LabelLanes lanes(labels, best_instructions());
     std::vector<int> positions(labels.size());
-    std::vector<LabelLanes::Positions> taken(labels.size());
-    const double value[2] = {0, 1};
-    double out[kLanes];
+    std::vector<std::int16_t> taken(labels.size() * kLanes);
+    std::vector<double> out(taken.size());
     for (auto _ : state) {
         for (int l = 0; l < kLanes; ++l) {
             draw_positions(n, positions.data());
-            for (int c = 0; c < n; ++c) taken[c][l] = static_cast<std::int16_t>(positions[c]);
+            for (int c = 0; c < n; ++c) {
+                taken[c * kLanes + l] = static_cast<std::int16_t>(positions[c]);
+            }
         }
-        lanes.refill();
-        for (const auto& position : taken) lanes.take(position, value, out);
-        benchmark::DoNotOptimize(out[0]);
+        lanes.draw(taken, {0, 1}, out.data());
+        benchmark::DoNotOptimize(out.data());
     }
     count_items(state, std::int64_t{kLanes} * n);
 }

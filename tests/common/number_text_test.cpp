@@ -9,6 +9,7 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace vort {
@@ -19,30 +20,21 @@ constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 // Bit patterns of all magnitudes, and numbers of few digits, where rounding ties and the change
 // from fixed to scientific notation lie.
-std::vector<double> numbers() {
-    std::vector<double> all = {0.0,   -0.0,     1.0,     100000.0,  999999.0,      999999.5,
-                               1e6,   1234565., 0.0001,  0.0000999, 0.00009999995, 0.5,
-                               2.5,   1e100,    5e-324,  1.7e308,   kInfinity,     -kInfinity,
-                               0.002, -1e-5,    12345.65};
+TEST(NumberText, ReadsAsAStreamWritesIt) {
+    std::vector<double> numbers = {0.0,        -0.0,      1.0,       100000.0,      999999.0,
+                                   999999.5,   1e6,       0.5,       1234565.,      0.0001,
+                                   0.09999996, 0.9999996, 0.0000999, 0.00009999995, 12345.65,
+                                   2.5,        5e-324,    1.7e308,   kInfinity,     -kInfinity};
     std::mt19937_64 random(20240501);
     for (int i = 0; i < 20000; ++i) {
-        all.push_back(std::bit_cast<double>(random()));
-        all.push_back(static_cast<double>(random() % 20000001) / 1e4 / (1 << (random() % 20)));
+        numbers.push_back(std::bit_cast<double>(random()));
+        numbers.push_back(static_cast<double>(random() % 20000001) / 1e4 / (1 << (random() % 20)));
     }
-    std::erase_if(all, [](double value) { return std::isnan(value); });
-    return all;
-}
-
-TEST(General, ReadsAsAStreamsDefaultDoes) {
-    for (const double value : numbers()) {
-        std::ostringstream stream;
-        stream << value;
-        ASSERT_EQ(general(value).view(), stream.str()) << std::hexfloat << value;
-    }
-}
-
-TEST(Fixed, ReadsAsAStreamsFixedFormDoes) {
-    for (const double value : numbers()) {
+    for (const double value : numbers) {
+        if (std::isnan(value)) continue;
+        std::ostringstream plain;
+        plain << value;
+        ASSERT_EQ(general(value).view(), plain.str()) << std::hexfloat << value;
         for (const auto& [precision, width] : {std::pair{6, 0}, {3, 7}, {0, 4}, {13, 20}}) {
             std::ostringstream stream;
             stream << std::fixed << std::setprecision(precision) << std::setw(width) << value;
@@ -53,8 +45,7 @@ TEST(Fixed, ReadsAsAStreamsFixedFormDoes) {
 }
 
 TEST(NumberText, EveryNotANumberHasASign) {
-    const double computed = kInfinity - kInfinity;
-    for (const double value : {kNan, -kNan, std::copysign(kNan, 1.0), computed}) {
+    for (const double value : {kNan, -kNan, kInfinity - kInfinity}) {
         EXPECT_EQ(general(value).view(), "-nan");
         EXPECT_EQ(fixed(value, 3, 7).view(), "   -nan");
     }
@@ -68,23 +59,12 @@ TEST(NumberText, IgnoresTheStreamsOwnFormat) {
 }
 
 TEST(Truncated, CutsTowardsZeroAndMarksWhatDoesNotFit) {
-    const struct {
-        double value;
-        int expected;
-    } rows[] = {
-        {1.9, 1},
-        {-1.9, -1},
-        {-0.5, 0},
-        {2147483647.9, INT_MAX},
-        {2147483648.0, INT_MIN},
-        {-2147483648.9, INT_MIN},
-        {-2147483647.9, -INT_MAX},
-        {-2147483649.0, INT_MIN},
-        {kInfinity, INT_MIN},
-        {-kInfinity, INT_MIN},
-        {kNan, INT_MIN},
-    };
-    for (const auto& row : rows) EXPECT_EQ(truncated(row.value), row.expected) << row.value;
+    const double values[] = {1.9, -1.9, 2147483647.9, -2147483647.9, -2147483648.9};
+    const int expected[] = {1, -1, INT_MAX, -INT_MAX, INT_MIN};
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(truncated(values[i]), expected[i]) << values[i];
+    for (const double value : {2147483648.0, -2147483649.0, kInfinity, kNan}) {
+        EXPECT_EQ(truncated(value), INT_MIN) << value;
+    }
 }
 
 }  // namespace

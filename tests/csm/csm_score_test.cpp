@@ -1,6 +1,4 @@
 // The permutation score: against the plain form to the bit, known outcomes, and its ends.
-#include <gtest/gtest.h>
-
 #include "csm/plain_kernels.h"
 #include "support/builder_study.h"
 
@@ -10,20 +8,13 @@ namespace {
 using CsmScore = BuilderTest;
 
 void expect_same_record(const BestClusterInformation& record, const BestClusterInformation& plain) {
-    EXPECT_EQ(record.slots, plain.slots);
-    EXPECT_EQ(record.marker_total, plain.marker_total);
-    EXPECT_EQ(record.group_count_copy, plain.group_count_copy);
-    EXPECT_EQ(record.marker_count, plain.marker_count);
-    EXPECT_EQ(record.combination_index, plain.combination_index);
-    ASSERT_EQ(record.group_num, plain.group_num);
-    EXPECT_EQ(record.genotype_code, plain.genotype_code);
-    for (std::size_t q = 0; q < plain.group_num; ++q) {
-        EXPECT_EQ(bits(record.group_frequency[q]), bits(plain.group_frequency[q]));
-        EXPECT_EQ(bits(record.group_average[q]), bits(plain.group_average[q]));
-        for (unsigned long slot = 0; slot < plain.slots; ++slot) {
-            EXPECT_EQ(record.group_members[q][slot] != 0, plain.group_members[q][slot] != 0);
-        }
-    }
+    write_file("plain.txt", "");
+    write_file("record.txt", "");
+    plain.Store("plain.txt", 0);
+    record.Store("record.txt", 0);
+    EXPECT_EQ(read_file("record.txt"), read_file("plain.txt"));
+    EXPECT_EQ(record.group_frequency, plain.group_frequency);
+    EXPECT_EQ(record.group_average, plain.group_average);
 }
 
 void expect_same_score(CSM& csm, int k, int c) {
@@ -49,36 +40,14 @@ TEST_F(CsmScore, AgreesWithThePlainFormToTheBit) {
     const int sizes[] = {63, 64, 65, 127, 128, 129, 255, 256, 257, 300, 511, 513};
     for (std::uint64_t seed = 1; seed <= 92 && !HasFatalFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        Shape shape(seed, seed <= 80 ? 0 : sizes[seed - 81]);
-        Study study(shape.genotypes, shape.phenotype);
-        CSM csm(prefix_);
-        take_in(csm, study);
+        auto [study, settings] = random_shape(seed, seed <= 80 ? 0 : sizes[seed - 81]);
+        const auto csm = builder_with(study, settings);
+        const int m = settings.markers;
         clustermethod = seed % 10 == 0 ? static_cast<int>(1 + seed / 10 % 4) : 0;
         clustermethod_print = seed % 7 == 0 ? 1 : 0;
-        expect_same_score(csm, 1, 1 + static_cast<int>(seed) % shape.m);
-        if (shape.m < 2) continue;
-        const int pairs = shape.m * (shape.m - 1) / 2;
-        for (const int c : {1, pairs}) expect_same_score(csm, 2, c);
-    }
-}
-
-// An imputed genotype left out of one set counts in the next, and a second data set of the same
-// builder starts clean.
-TEST_F(CsmScore, DataSetsDoNotLeakIntoOneAnother) {
-    std::mt19937_64 random(77);
-    std::vector<short> phenotype(40);
-    for (short& y : phenotype) y = static_cast<short>(random() % 2);
-    write_settings({40, 3});
-    Study study(random_genotypes(random, 40, 3, 200, phenotype), phenotype);
-    std::reverse(phenotype.begin(), phenotype.end());
-    study.add_data_set(phenotype, {2, 0, 1});
-    CSM csm(prefix_);
-    for (const int current : {0, 1, 0}) {
-        take_in(csm, study, current);
-        for (int c = 1; c <= 3; ++c) {
-            EXPECT_EQ(bits(csm.Test(2, c)), bits(plain_quick_test(csm, 2, c)));
-            expect_same_score(csm, 2, c);
-        }
+        expect_same_score(*csm, 1, 1 + static_cast<int>(seed) % m);
+        if (m < 2) continue;
+        for (const int c : {1, m * (m - 1) / 2}) expect_same_score(*csm, 2, c);
     }
 }
 
@@ -89,59 +58,31 @@ TEST_F(CsmScore, PerfectSeparationScoresOne) {
         genotypes.emplace_back(i % 2 == 0 ? "20" : i % 3 == 0 ? "00" : "01");
         phenotype.push_back(static_cast<short>(i % 2 == 0));
     }
-    write_settings({24, 2});
     Study study(genotypes, phenotype);
-    CSM csm(prefix_);
-    take_in(csm, study);
     BestClusterInformationArray array(1);
-    EXPECT_EQ(csm.objectivefunction_quantitive(2, 1, &array, nullptr), 1.0);
+    EXPECT_EQ(builder_with(study)->objectivefunction_quantitive(2, 1, &array, nullptr), 1.0);
     const BestClusterInformation& record = *array.items[0];
-    const int cases = record.getcluster_num(6);
-    EXPECT_EQ(cases, 0) << "the highest cell mean is in the first group";
-    EXPECT_EQ(record.group_average[cases], 1.0);
-    EXPECT_EQ(record.group_frequency[cases], 0.5);
-    EXPECT_NE(record.getcluster_num(0), cases);
-    EXPECT_NE(record.getcluster_num(1), cases);
+    EXPECT_EQ(record.IncludeInGroup(6, 0), 1) << "the highest cell mean is in the first group";
+    EXPECT_EQ(record.group_average[0], 1.0);
+    EXPECT_EQ(record.group_frequency[0], 0.5);
+    EXPECT_EQ(record.IncludeInGroup(0, 0) + record.IncludeInGroup(1, 0), 0);
 }
 
 TEST_F(CsmScore, NothingToClusterEndsTheProgram) {
-    const struct {
-        std::vector<std::string> genotypes;
-        const char* message;
-    } cases[] = {
-        {{"1", "1", "1"},
-         "^find error BestClusterNum don't equal case, BestClusterNum=1 Tnum=1 "
-         "numcom=0\n$"},
-        {{"-", "-", "-"},
-         "^find error BestClusterNum<0 or BestClusterNum >Tnum, "
-         "BestClusterNum=0 Tnum=0\n$"},
-    };
-    write_settings({3, 1});
-    for (const auto& c : cases) {
-        Study study(c.genotypes, {0, 1, 1});
-        CSM csm(prefix_);
-        take_in(csm, study);
-        const auto score = [&] {
-            console_on_standard_error();
-            BestClusterInformationArray array(1);
-            csm.objectivefunction_quantitive(1, 1, &array, nullptr);
-        };
-        EXPECT_EXIT(score(), ::testing::ExitedWithCode(0), c.message);
-    }
-}
-
-TEST_F(CsmScore, RecordOfUnknownGroupCountEndsTheProgram) {
-    write_settings({3, 1});
-    CSM csm(prefix_);
-    std::vector<std::unique_ptr<BestClusterInformation>> records;
-    records.push_back(std::make_unique<BestClusterInformation>(1U, 2U, 1));
     BestClusterInformationArray array(1);
-    const auto save = [&] {
-        console_on_standard_error();
-        csm.save_cluster_information(3, records, 3, 1, 1, &array, 3);
-    };
-    EXPECT_EXIT(save(), ::testing::ExitedWithCode(0),
-                "BestClusterNum=3 Tnum=3 numcom=1\nBCI\\[2\\]->group_num=2\n$");
+    for (const auto& [code, message] :
+         {std::pair{"1", " don't equal case, BestClusterNum=1 Tnum=1 numcom=0\n$"},
+          {"-", "<0 or BestClusterNum >Tnum, BestClusterNum=0 Tnum=0\n$"}}) {
+        Study study(std::vector<std::string>(3, code), {0, 1, 1});
+        const auto csm = builder_with(study);
+        expect_end([&] { csm->objectivefunction_quantitive(1, 1, &array, nullptr); },
+                   std::string("^find error BestClusterNum") + message);
+    }
+    std::vector<std::unique_ptr<BestClusterInformation>> records(1);
+    records[0] = std::make_unique<BestClusterInformation>(1U, 2U, 1);
+    const auto csm = builder_of({3, 1});
+    expect_end([&] { csm->save_cluster_information(3, records, 3, 1, 1, &array, 3); },
+               "BestClusterNum=3 Tnum=3 numcom=1\nBCI\\[2\\]->group_num=2\n$");
 }
 
 }  // namespace

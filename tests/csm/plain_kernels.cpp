@@ -14,54 +14,55 @@ namespace {
 
 constexpr int kOrders = 500;
 
-struct Individual {
-    int code = 0;
-    int cell = 0;  // 0: left out
-};
-
-struct Cells {
-    int ncell = 0;
-    std::vector<Individual> of;  // 0-based individuals
-};
-
-Cells plain_cells(const CSM& csm, int k, int c) {
+// Joint genotype codes of individuals 1 .. n, in elements 0 .. n-1; -1 where one was imputed.
+std::vector<int> plain_codes(const CSM& csm, int k, int c) {
     const std::vector<int> markers = plain_set(c, csm.marker_num, k);
-    Cells cells;
-    std::vector<int> seen;
+    std::vector<int> codes;
     for (int i = 1; i <= csm.Sample_size; ++i) {
-        Individual individual;
+        int code = 0;
         bool imputed = false;
         for (const int j : markers) {
-            individual.code = 3 * individual.code + csm.Tgen[i][j];
+            code = 3 * code + csm.Tgen[i][j];
             if (csm.missing_set[i]->GetAt(static_cast<unsigned long>(j)) != 0) imputed = true;
         }
-        if (!imputed) {
-            auto known = std::find(seen.begin(), seen.end(), individual.code);
-            if (known == seen.end()) known = seen.insert(known, individual.code);
-            individual.cell = static_cast<int>(known - seen.begin()) + 1;
-        }
-        cells.of.push_back(individual);
+        codes.push_back(imputed ? -1 : code);
     }
-    cells.ncell = static_cast<int>(seen.size());
-    return cells;
+    return codes;
 }
+
+// By individual, from 0: its joint code, and its cell, numbered in the order of appearance; cell 0
+// is left out.
+struct Cells {
+    explicit Cells(std::vector<int> codes) : code(std::move(codes)) {
+        std::vector<int> seen;
+        for (const int x : code) {
+            auto known = std::find(seen.begin(), seen.end(), x);
+            if (known == seen.end() && x >= 0) known = seen.insert(known, x);
+            cell.push_back(x < 0 ? 0 : static_cast<int>(known - seen.begin()) + 1);
+        }
+        ncell = static_cast<int>(seen.size());
+    }
+
+    int ncell = 0;
+    std::vector<int> code, cell;
+};
 
 std::vector<int> plain_kmeans(const std::vector<double>& sum, const std::vector<int>& count,
                               int ncell, int g) {
-    std::vector<double> mean(ncell), centre(g);
+    std::vector<double> mean(ncell), centre(g + 1);
     for (int c = 0; c < ncell; ++c) mean[c] = count[c + 1] > 0 ? sum[c + 1] / count[c + 1] : 0;
     const double max = *std::max_element(mean.begin(), mean.end());
     const double min = *std::min_element(mean.begin(), mean.end());
-    for (int j = 1; j <= g; ++j) centre[j - 1] = max - (j - 0.5) * (max - min) / g;
+    for (int j = 1; j <= g; ++j) centre[j] = max - (j - 0.5) * (max - min) / g;
     std::vector<int> group(ncell + 1);
     for (int c = 1; c <= ncell; ++c) group[c] = c;
     for (int pass = 1; pass <= 99; ++pass) {
         std::vector<int> next = group;
         for (int c = 1; c <= ncell; ++c) {
+            const auto distance = [&](int j) { return std::fabs(mean[c - 1] - centre[j]); };
             next[c] = 1;
             for (int j = 2; j <= g; ++j) {
-                const double best = std::fabs(mean[c - 1] - centre[next[c] - 1]);
-                if (std::fabs(mean[c - 1] - centre[j - 1]) < best) next[c] = j;
+                if (distance(j) < distance(next[c])) next[c] = j;
             }
         }
         if (next == group) break;
@@ -74,74 +75,65 @@ std::vector<int> plain_kmeans(const std::vector<double>& sum, const std::vector<
                 total += sum[c];
                 individuals += count[c];
             }
-            centre[j - 1] = individuals > 0 ? total / individuals : 0;
+            centre[j] = individuals > 0 ? total / individuals : 0;
         }
     }
     return group;
 }
 
-// Observed or permuted phenotypes against the cells, in all ways that the clusterings ask for.
+// Observed or permuted phenotypes against the cells.
 struct Tally {
+    Tally(const Cells& cells, const std::vector<double>& y)
+        : cases(std::max(cells.ncell, 3) + 1), controls(cases), count(cases), sum(cases.size()) {
+        double total = 0;
+        int individuals = 0;
+        for (std::size_t i = 0; i < y.size(); ++i) {
+            const int cell = cells.cell[i];
+            if (cell == 0) continue;
+            ++(y[i] > 0 ? cases : controls)[cell];
+            ++count[cell];
+            total += y[i];
+            ++individuals;
+        }
+        for (std::size_t i = 0; i < y.size(); ++i) {
+            if (cells.cell[i] != 0) sum[cells.cell[i]] += y[i] - total / individuals;
+        }
+    }
+
     std::vector<int> cases, controls, count;
     std::vector<double> sum;
 };
 
-Tally plain_tally(const Cells& cells, const std::vector<double>& y) {
-    const std::size_t size = static_cast<std::size_t>(std::max(cells.ncell, 3)) + 1;
-    Tally tally{std::vector<int>(size), std::vector<int>(size), std::vector<int>(size),
-                std::vector<double>(size)};
-    double total = 0;
-    int individuals = 0;
-    for (std::size_t i = 0; i < y.size(); ++i) {
-        const int cell = cells.of[i].cell;
-        if (cell == 0) continue;
-        ++(y[i] > 0 ? tally.cases : tally.controls)[cell];
-        ++tally.count[cell];
-        total += y[i];
-        ++individuals;
-    }
-    for (std::size_t i = 0; i < y.size(); ++i) {
-        if (cells.of[i].cell != 0) tally.sum[cells.of[i].cell] += y[i] - total / individuals;
-    }
-    return tally;
-}
-
 std::vector<int> plain_clustering(CSM& csm, int k, int ncell, Tally& t, int g) {
+    using Method = void (CSM::*)(double*, int*, int*, int*, int, int);
+    const Method methods[] = {nullptr, &CSM::cluster1, &CSM::cluster2, &CSM::cluster3,
+                              &CSM::cluster4};
+    const Method method = k == 1 ? &CSM::OneMarkerCluster : methods[clustermethod];
+    if (method == nullptr) return plain_kmeans(t.sum, t.count, ncell, g);
     std::vector<int> group(t.count.size());
     std::vector<double> nothing(t.count.size());
-    int* const a = t.cases.data();
-    int* const b = t.controls.data();
-    if (k == 1) {
-        csm.OneMarkerCluster(nullptr, a, b, group.data(), ncell, g);
-        return group;
-    }
-    if (clustermethod == 1) csm.cluster1(nothing.data(), a, b, group.data(), ncell, g);
-    if (clustermethod == 2) csm.cluster2(nothing.data(), a, b, group.data(), ncell, g);
-    if (clustermethod == 3) csm.cluster3(nothing.data(), a, b, group.data(), ncell, g);
-    if (clustermethod == 4) csm.cluster4(nothing.data(), a, b, group.data(), ncell, g);
-    return clustermethod == 0 ? plain_kmeans(t.sum, t.count, ncell, g) : group;
+    (csm.*method)(nothing.data(), t.cases.data(), t.controls.data(), group.data(), ncell, g);
+    return group;
 }
 
 // Cases and controls of groups 1 .. g.
 struct Groups {
+    Groups(const Tally& tally, const std::vector<int>& group, int ncell, int g)
+        : cases(g + 1), controls(g + 1) {
+        for (int c = 1; c <= ncell; ++c) {
+            cases[group[c]] += tally.cases[c];
+            controls[group[c]] += tally.controls[c];
+        }
+    }
+
     std::vector<int> cases, controls;
 };
-
-Groups plain_groups(const Tally& tally, const std::vector<int>& group, int ncell, int g) {
-    Groups groups{std::vector<int>(g + 1), std::vector<int>(g + 1)};
-    for (int c = 1; c <= ncell; ++c) {
-        groups.cases[group[c]] += tally.cases[c];
-        groups.controls[group[c]] += tally.controls[c];
-    }
-    return groups;
-}
 
 double plain_statistic(const CSM& csm, const Groups& groups) {
     const double n1 = csm.case_num;
     const double n0 = csm.Sample_size - csm.case_num;
     double all_cases = 0;
     for (const int cases : groups.cases) all_cases += cases;
-    const double ybar = all_cases / csm.Sample_size;
     double statistic = 0;
     for (std::size_t q = 1; q < groups.cases.size(); ++q) {
         const double a = groups.cases[q];
@@ -151,7 +143,7 @@ double plain_statistic(const CSM& csm, const Groups& groups) {
             const double p0 = b / n0;
             if (p1 + p0 > 0) statistic += ((p1 - p0) * (p1 - p0)) / (p0 / n1 + p1 / n0);
         } else if (a + b > 0) {
-            const double d = a / (a + b) - ybar;
+            const double d = a / (a + b) - all_cases / csm.Sample_size;
             statistic += (d * d) * (a + b) / csm.sigma;
         }
     }
@@ -165,10 +157,11 @@ std::unique_ptr<BestClusterInformation> plain_record(const CSM& csm, int k, int 
     const int g = static_cast<int>(groups.cases.size()) - 1;
     auto record = std::make_unique<BestClusterInformation>(k, g, csm.marker_num);
     record->combination_index = c;
-    for (const Individual& i : cells.of) {
-        if (i.cell == 0) continue;
-        record->group_members[group[i.cell] - 1].SetbitOne(static_cast<unsigned long>(i.cell));
-        record->genotype_code[i.cell] = static_cast<unsigned>(i.code);
+    for (std::size_t i = 0; i < cells.cell.size(); ++i) {
+        const int cell = cells.cell[i];
+        if (cell == 0) continue;
+        record->group_members[group[cell] - 1].SetbitOne(static_cast<unsigned long>(cell));
+        record->genotype_code[cell] = static_cast<unsigned>(cells.code[i]);
     }
     record->group_count_copy = 0;
     double covered = 0;
@@ -197,9 +190,9 @@ void plain_pvalues(std::vector<double>& column) {
 }
 
 // The g that row r's smallest p-value has, the largest g where there are several.
-int plain_best(const std::vector<std::vector<double>>& table, int r, int gmax) {
-    int best = gmax;
-    for (int g = gmax - 1; g >= 2; --g) {
+int plain_best(const std::vector<std::vector<double>>& table, int r) {
+    int best = static_cast<int>(table.size()) - 1;
+    for (int g = best - 1; g >= 2; --g) {
         if (table[g][r] < table[best][r]) best = g;
     }
     return best;
@@ -218,19 +211,13 @@ std::vector<int> plain_set(int c, int m, int k) {
 }
 
 double plain_quick_test(const CSM& csm, int k, int c) {
-    const std::vector<int> markers = plain_set(c, csm.marker_num, k);
+    const std::vector<int> codes = plain_codes(csm, k, c);
     std::vector<double> sum(9);
     std::vector<int> count(9);
     for (int i = 1; i <= csm.Sample_size; ++i) {
-        int code = 0;
-        bool imputed = false;
-        for (const int j : markers) {
-            code = 3 * code + csm.Tgen[i][j];
-            if (csm.missing_set[i]->GetAt(static_cast<unsigned long>(j)) != 0) imputed = true;
-        }
-        if (imputed) continue;
-        sum[code] += csm.yy[i];
-        ++count[code];
+        if (codes[i - 1] < 0) continue;
+        sum[codes[i - 1]] += csm.yy[i];
+        ++count[codes[i - 1]];
     }
     double total = 0;
     for (const double s : sum) total += s;
@@ -248,7 +235,7 @@ double plain_quick_test(const CSM& csm, int k, int c) {
 PlainScore plain_score(CSM& csm, int k, int c) {
     const std::array<int, 3> before = {RX, RY, RZ};
     const int n = csm.Sample_size;
-    const Cells cells = plain_cells(csm, k, c);
+    const Cells cells(plain_codes(csm, k, c));
     const int gmax = std::min(cells.ncell, 10);
     PlainScore score;
     if (k > 1 && gmax > 1 && clustermethod_print == 1) {
@@ -262,10 +249,10 @@ PlainScore plain_score(CSM& csm, int k, int c) {
         std::vector<int> order(n + 1);
         if (r > 0) randomsort(n, order.data());
         for (int i = 0; r > 0 && i < n; ++i) y[i] = saved[order[i + 1] - 1];
-        Tally tally = plain_tally(cells, y);
+        Tally tally(cells, y);
         for (int g = 2; g <= gmax; ++g) {
             const std::vector<int> group = plain_clustering(csm, k, cells.ncell, tally, g);
-            const Groups groups = plain_groups(tally, group, cells.ncell, g);
+            const Groups groups(tally, group, cells.ncell, g);
             if (r == 0) {
                 records[g] = plain_record(csm, k, c, cells, group, groups, score.printed);
             }
@@ -278,12 +265,11 @@ PlainScore plain_score(CSM& csm, int k, int c) {
     RZ = before[2];
     if (gmax < 2) return score;
     for (int g = 2; g <= gmax; ++g) plain_pvalues(table[g]);
-    score.best_groups = plain_best(table, 0, gmax);
+    score.best_groups = plain_best(table, 0);
     score.record = std::move(records[score.best_groups]);
     int below = 0;
     for (int r = 0; r <= kOrders; ++r) {
-        const int g = plain_best(table, r, gmax);
-        if (table[g][r] < table[score.best_groups][0]) ++below;
+        below += table[plain_best(table, r)][r] < table[score.best_groups][0] ? 1 : 0;
     }
     score.value = 1 - static_cast<double>(below) / kOrders;
     return score;

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "common/number_text.h"
 
 namespace vort::testing {
 
@@ -17,9 +19,15 @@ using Columns = std::vector<std::vector<double>>;
 struct Path {
     Path(Columns x_in, std::vector<double> y_in, int limit_in = 50)
         : x(std::move(x_in)), y(std::move(y_in)), limit(limit_in), beta(x.size(), 0.0) {
-        const std::size_t steps =
-            std::min({static_cast<std::size_t>(std::max(limit - 1, 0)), x.size(), y.size()});
-        e.assign(steps + 1, std::vector<double>(y.size(), 0.0));
+        e.assign(std::min({std::max<std::size_t>(limit, 1) - 1, x.size(), y.size()}) + 1,
+                 std::vector<double>(y.size(), 0.0));
+    }
+
+    template <typename... T>
+    void print(const T&... items) {
+        std::ostringstream text;
+        (text << ... << items);
+        printed += text.str();
     }
 
     Columns x;
@@ -34,74 +42,65 @@ struct Path {
 
 enum class End { kAllSteps, kGrew, kStagnant, kNoResidual, kNoCoefficient };
 
-inline std::string text_of(const char* format, double value) {
-    char buffer[400];
-    std::snprintf(buffer, sizeof buffer, format, std::isnan(value) ? -std::fabs(value) : value);
-    return buffer;
-}
-
 inline double plain_product(const std::vector<double>& a, const std::vector<double>& b) {
     double sum = 0.0;
     for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
     return sum;
 }
 
-inline End plain_steps(Path& p, std::vector<double>& rss, std::vector<int>& order,
-                       std::vector<bool>& negative, int& accepted) {
-    const int n = static_cast<int>(p.y.size());
-    const int columns = static_cast<int>(p.x.size());
+inline void negate(std::vector<double>& values) {
+    for (double& value : values) value = -value;
+}
+
+inline End plain_steps(Path& p, std::vector<double>& rss, std::vector<std::size_t>& order,
+                       std::vector<bool>& negative) {
+    const std::size_t n = p.y.size();
     std::vector<double> c(p.x.size()), rest;
     std::vector<bool> active(p.x.size(), false);
     p.e[0] = p.y;
-    rss.push_back(plain_product(p.e[0], p.e[0]));
-    for (int k = 0; k < std::min({p.limit - 1, columns, n}); ++k) {
-        const double s = std::sqrt(rss[k] / (n - 1));
+    rss = {plain_product(p.y, p.y)};
+    for (std::size_t k = 0; k + 1 < p.e.size(); ++k) {
+        const double s = std::sqrt(rss[k] / (static_cast<double>(n) - 1));
         if (s == 0.0) {
-            const std::string step = std::to_string(k);
-            p.printed += "Residual prediction error vector E[" + step + "] is zero, at " + step +
-                         " step !\n";
+            p.print("Residual prediction error vector E[", k, "] is zero, at ", k, " step !\n");
             return End::kNoResidual;
         }
         for (bool positive = true;; positive = false) {
-            int best = -1;
-            for (int j = 0; j < columns; ++j) {
+            std::size_t best = c.size();
+            for (std::size_t j = 0; j < c.size(); ++j) {
                 if (active[j]) continue;
                 c[j] = plain_product(p.x[j], p.e[k]);
                 if (c[j] < 0) negative[j] = true;
                 c[j] /= s;
-                if (best < 0 || std::fabs(c[j]) > std::fabs(c[best])) best = j;
+                if (best == c.size() || std::fabs(c[j]) > std::fabs(c[best])) best = j;
             }
-            active[best] = true;
             p.beta[best] = c[best] * s;
             if (p.beta[best] == 0.0) return End::kNoCoefficient;
             const bool turn = negative[best] && positive;
-            p.printed += std::string("find ") + (turn ? "negative" : "positive") +
-                         " coefficient at " + std::to_string(best) + " beta[" +
-                         std::to_string(best) + "]=" + text_of("%g", p.beta[best]) + "\n";
-            if (!turn) {
-                order[best] = k + 1;
-                break;
-            }
-            for (double& value : p.x[best]) value = -value;
-            active[best] = false;
+            p.print("find ", turn ? "negative" : "positive", " coefficient at ", best, " beta[",
+                    best, "]=", general(p.beta[best]), '\n');
+            if (turn) negate(p.x[best]);
+            if (turn) continue;
+            active[best] = true;
+            order[best] = k + 1;
+            break;
         }
         rest.push_back(0.0);
-        for (int j = 0; j < columns; ++j) {
+        for (std::size_t j = 0; j < c.size(); ++j) {
             if (!active[j]) rest[k] = std::max(rest[k], std::fabs(c[j]));
         }
-        for (int i = 0; i < n; ++i) {
+        for (std::size_t i = 0; i < n; ++i) {
             double fit = 0.0;
-            for (int j = 0; j < columns; ++j) {
+            for (std::size_t j = 0; j < c.size(); ++j) {
                 if (p.beta[j] != 0.0) fit += p.beta[j] * p.x[j][i];
             }
             p.e[k + 1][i] = p.y[i] - fit;
         }
-        rss.push_back(plain_product(p.e[k + 1], p.e[k + 1]));
-        if (k > 0 && rss[k] < rss[k + 1]) return End::kGrew;
-        accepted = k + 1;
-        p.printed += "k=" + std::to_string(k + 1) + ",error=" + text_of("%15.13f", rss[k + 1]) +
-                     " nRow=" + std::to_string(n) + " E2[k] =" + text_of("%f", rss[k]) +
-                     " sigma2=" + text_of("%f", rss[0] / n) + "\n\n";
+        const double left = plain_product(p.e[k + 1], p.e[k + 1]);
+        if (k > 0 && rss[k] < left) return End::kGrew;
+        rss.push_back(left);
+        p.print("k=", k + 1, ",error=", fixed(left, 13, 15), " nRow=", n, " E2[k] =", fixed(rss[k]),
+                " sigma2=", fixed(rss[0] / static_cast<double>(n)), "\n\n");
         if (k > 10 &&
             (rest[k - 10] - rest[k] < 0.05 * rest[0] || rss[k - 10] - rss[k] < 0.01 * rss[0])) {
             return End::kStagnant;
@@ -111,30 +110,27 @@ inline End plain_steps(Path& p, std::vector<double>& rss, std::vector<int>& orde
 }
 
 inline End plain_walk(Path& p) {
-    std::vector<double> rss;
-    std::vector<int> order(p.x.size(), static_cast<int>(std::max(p.x.size(), p.y.size())));
+    std::vector<double> rss, cp;
+    std::vector<std::size_t> order(p.x.size(), std::max(p.x.size(), p.y.size()));
     std::vector<bool> negative(p.x.size(), false);
-    int accepted = 0;
-    const End end = plain_steps(p, rss, order, negative, accepted);
+    const End end = plain_steps(p, rss, order, negative);
     p.ratio = 0.0;
     if (end == End::kNoResidual || end == End::kNoCoefficient) return end;
-    std::vector<double> cp;
     p.stop = 0;
-    for (int j = 0; j <= accepted; ++j) {
-        const int degrees = static_cast<int>(p.y.size()) - accepted - 1;
-        cp.push_back(degrees * rss[j] / rss[accepted] + 0.5 * j);
+    for (int j = 0; j < std::ssize(rss); ++j) {
+        const auto degrees = static_cast<int>(std::ssize(p.y) - std::ssize(rss));
+        cp.push_back(degrees * rss[j] / rss.back() + 0.5 * j);
         if (cp[j] < cp[p.stop]) p.stop = j;
-        p.printed += "Cp[" + std::to_string(j) + "]=" + text_of("%g", cp[j]) + "\n";
+        p.print("Cp[", j, "]=", general(cp[j]), '\n');
     }
     p.ratio = cp[p.stop] / cp[0];
     for (std::size_t j = 0; j < p.x.size(); ++j) {
-        if (order[j] > p.stop) p.beta[j] = 0.0;
+        if (order[j] > static_cast<std::size_t>(p.stop)) p.beta[j] = 0.0;
         if (!negative[j]) continue;
         p.beta[j] = -p.beta[j];
-        for (double& value : p.x[j]) value = -value;
+        negate(p.x[j]);
     }
-    p.printed +=
-        "stopstep=" + std::to_string(p.stop) + "\nCp return value=" + text_of("%g", p.ratio) + "\n";
+    p.print("stopstep=", p.stop, "\nCp return value=", general(p.ratio), '\n');
     return end;
 }
 

@@ -1,7 +1,10 @@
 // The fast kernels against the plain forms that they stand for, bit for bit.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <random>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "numeric/chi_square_lanes.h"
@@ -15,6 +18,15 @@
 namespace vort {
 namespace {
 
+// All that this processor and the build have.
+std::vector<Instructions> instruction_sets() {
+    std::vector<Instructions> sets;
+    for (const auto set : {Instructions::kPortable, Instructions::kWide, Instructions::kWidest}) {
+        if (set <= best_instructions()) sets.push_back(set);
+    }
+    return sets;
+}
+
 TEST(KeyedSort, OrdersTiesAsThePlainIndexSortDoes) {
     for (unsigned seed = 1; seed <= 600; ++seed) {
         SCOPED_TRACE(seed);
@@ -23,44 +35,35 @@ TEST(KeyedSort, OrdersTiesAsThePlainIndexSortDoes) {
         // From nearly all keys different to nearly all the same, and from sorted to shuffled.
         const auto values = seed % 4 == 0 ? 1 + random() % 3 : 1 + random() % (3 * n);
         std::vector<double> key(static_cast<std::size_t>(n) + 1);
+        std::vector<KeyedIndex> items;
         for (int i = 1; i <= n; ++i) {
-            key[i] = seed % 7 == 0
-                         ? i / 5
-                         : static_cast<double>(random() % values) / static_cast<double>(values);
+            key[i] = seed % 7 == 0 ? i / 5 : static_cast<double>(random() % values);
+            items.push_back({key[i], i});
         }
         std::vector<int> index(key.size());
         Quickindex(key.data(), index.data(), n);
-        std::vector<KeyedIndex> items;
-        for (int i = 1; i <= n; ++i) items.push_back({key[i], i});
         sort_keyed(items);
         for (int i = 1; i <= n; ++i) ASSERT_EQ(items[i - 1].index, index[i]) << "at " << i;
     }
 }
 
-struct Generator {
-    int x, y, z;
-    static Generator now() { return {RX, RY, RZ}; }
-    void set() const { RX = x, RY = y, RZ = z; }
-    bool operator==(const Generator&) const = default;
-};
-
 TEST(DrawPositions, AreThoseOfSingleDraws) {
     // The first state, states in the middle of a cycle and one step before its end, and states that
     // are on no cycle.
-    const Generator starts[] = {{1, 3, 5}, {12345, 30306, 777}, {177, 3, 5},
-                                {0, 3, 5}, {1, 1, 5},           {1, 10103, 5}};
-    for (const Generator& start : starts) {
+    const int starts[][3] = {{1, 3, 5}, {12345, 30306, 777}, {177, 3, 5},
+                             {0, 3, 5}, {1, 1, 5},           {1, 10103, 5}};
+    for (const auto& [x, y, z] : starts) {
         for (const int n : {0, 1, 2, 63, 64, 65, 1000, 70000}) {
-            SCOPED_TRACE(::testing::Message() << start.x << ' ' << start.y << ' ' << n);
+            SCOPED_TRACE(::testing::Message() << x << ' ' << y << ' ' << n);
             std::vector<int> fast(static_cast<std::size_t>(n));
-            start.set();
+            std::tie(RX, RY, RZ) = std::tie(x, y, z);
             draw_positions(n, fast.data());
-            const Generator after = Generator::now();
-            start.set();
+            const std::tuple after(RX, RY, RZ);
+            std::tie(RX, RY, RZ) = std::tie(x, y, z);
             for (int c = 0; c < n; ++c) {
                 ASSERT_EQ(fast[c], static_cast<int>((n - c) * rand1())) << c;
             }
-            EXPECT_TRUE(after == Generator::now());
+            EXPECT_EQ(after, std::tie(RX, RY, RZ));
         }
     }
     init_rand1();
@@ -74,22 +77,21 @@ TEST(LabelLanes, DrawTheLabelsThatAPoolGives) {
         const std::size_t n = seed <= 70 ? seed : 1 + random() % 3000;
         std::vector<unsigned char> labels(n);
         for (auto& label : labels) label = random() % (1 + seed % 3) == 0 ? 1 : 0;
-        LabelLanes lanes(labels);
-        for (int round = 0; round < 2; ++round) {
-            std::vector<std::vector<unsigned char>> pool(kLanes, labels);
-            lanes.refill();
-            for (std::size_t left = n; left > 0; --left) {
-                LabelLanes::Positions position{};
-                double expected[kLanes];
-                for (int l = 0; l < kLanes; ++l) {
-                    const std::size_t k = random() % left;
-                    position[l] = static_cast<std::int16_t>(k);
-                    expected[l] = value[pool[l][k]];
-                    pool[l].erase(pool[l].begin() + static_cast<std::ptrdiff_t>(k));
+        for (const Instructions instructions : instruction_sets()) {
+            LabelLanes lanes(labels, instructions);
+            for (int round = 0; round < 2; ++round) {
+                std::vector<std::vector<unsigned char>> pool(kLanes, labels);
+                std::vector<std::int16_t> positions;
+                std::vector<double> expected, drawn(n * kLanes);
+                for (std::size_t left = n; left > 0; --left) {
+                    for (auto& items : pool) {
+                        positions.push_back(static_cast<std::int16_t>(random() % left));
+                        expected.push_back(value[items[positions.back()]]);
+                        items.erase(items.begin() + positions.back());
+                    }
                 }
-                double drawn[kLanes];
-                lanes.take(position, value, drawn);
-                for (int l = 0; l < kLanes; ++l) ASSERT_EQ(drawn[l], expected[l]);
+                lanes.draw(positions, value, drawn.data());
+                ASSERT_EQ(drawn, expected);
             }
         }
     }
@@ -98,26 +100,24 @@ TEST(LabelLanes, DrawTheLabelsThatAPoolGives) {
 TEST(ChiSquareQueue, GivesTheUpperTailsOfThePlainForm) {
     std::mt19937 random(20);
     std::uniform_real_distribution<double> exponent(-12, 8);
-    for (const Instructions instructions : {Instructions::kPortable, best_instructions()}) {
-        ChiSquareQueue queue(instructions);
+    for (const Instructions instructions : instruction_sets()) {
+        ChiSquareQueue queue(instructions, 100);
         for (int size = 0; size < 40; ++size) {
-            std::vector<std::pair<int, double>> asked;
+            // Around the point where the series hands over to the continued fraction, and anywhere.
+            std::vector<std::pair<int, double>> asked = {
+                {1, 2.9999999999999996}, {1, 3.0}, {1, 3.0000000000000004}, {1, 4.0}};
             for (int k = 0; k < size; ++k) {
-                const double statistic = k % 10 == 0 ? 0 : std::exp2(exponent(random));
-                asked.emplace_back(1 + k % 2, statistic);
-                queue.add(1 + k % 2, statistic, k);
+                asked.emplace_back(1 + k % 2, k % 10 == 0 ? 0 : std::exp2(exponent(random)));
             }
-            // Around the point where the series hands over to the continued fraction.
-            for (const double statistic : {2.9999999999999996, 3.0, 3.0000000000000004, 4.0}) {
-                asked.emplace_back(1, statistic);
-                queue.add(1, statistic, static_cast<int>(asked.size()) - 1);
-            }
-            const auto& results = queue.take();
-            ASSERT_EQ(results.size(), asked.size());
-            for (const auto& [tag, pvalue] : results) {
+            int next = 0;
+            for (const auto& [df, statistic] : asked) queue.add(df, statistic, next++);
+            std::size_t received = 0;
+            queue.take([&](int tag, double pvalue) {
                 const auto [df, statistic] = asked[tag];
                 EXPECT_EQ(pvalue, 1 - pchisq(df, statistic)) << df << ' ' << statistic;
-            }
+                ++received;
+            });
+            EXPECT_EQ(received, asked.size());
         }
     }
 }

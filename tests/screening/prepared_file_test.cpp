@@ -1,32 +1,14 @@
 #include "screening/prepared_file.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "screening/screening.h"
-#include "support/console_capture.h"
-#include "support/diagnostics_capture.h"
-#include "support/program_end.h"
 #include "support/screening_fixture.h"
 
-namespace vort {
+namespace vort::testing {
 namespace {
 
-using vort::testing::console_to_stderr;
-using vort::testing::ConsoleCapture;
-using vort::testing::DiagnosticsCapture;
-using vort::testing::read_file;
-using vort::testing::said_of;
-using vort::testing::ScreeningTest;
-using vort::testing::status_zero;
-using vort::testing::write_file;
-
 constexpr const char* kFirstFile = ".\\prepare_data0_0.050000.txt";
-constexpr int kUntouched = -7;
 
 class PreparedFile : public ScreeningTest {
   protected:
@@ -34,8 +16,7 @@ class PreparedFile : public ScreeningTest {
     void SetUp() override {
         set_sizes(6, 4);
         Save_marker_length = 2;
-        const ConsoleCapture console;
-        load("1 0 1 2 0\n1 0 1 2 1\n1 0 0 2 1\n0 0 1 0 1\n0 0 0 0 0\n0 0 1 -1 1\n");
+        load_quietly("1 0 1 2 0\n1 0 1 2 1\n1 0 0 2 1\n0 0 1 0 1\n0 0 0 0 0\n0 0 1 -1 1\n");
         samplesize[0] = 60;  // missing genotypes are no reason to drop here
     }
 
@@ -46,10 +27,12 @@ class PreparedFile : public ScreeningTest {
         return ranking;
     }
 
+    // The two columns read, behind which nothing may change.
     static std::vector<int> read(int n) {
-        std::vector<int> ranking(Marker, kUntouched);
+        std::vector<int> ranking(Marker, -7);
         single_marker_test_five_model_drop_missing_diseasemarker_exist_prepare(ranking.data(), n);
-        return ranking;
+        EXPECT_EQ(ranking[2] + ranking[3], -14);
+        return {ranking[0], ranking[1]};
     }
 };
 
@@ -62,73 +45,56 @@ TEST_F(PreparedFile, HoldsPhenotypesAndCountsOfTheBestMarkers) {
               "2\t0\t0\t3\t0\t2\t0\t0\t1\t\n"
               "1\t1\t2\t0\t0\t1\t2\t0\t0\t\n");
     not_over_missing_marker_drop_ratio = 1.0;
-    Datapath = "kept_";
-    Save_marker_length = 1000;
+    Save_marker_length = 1000;  // more than markers
     save_prepared_file({0, 3, 2, 4, 1});
-    const std::string text = read_file("kept_prepare_data1.txt");
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5) << "no more lines than markers";
+    EXPECT_THAT(read_file(".\\prepare_data1.txt"),
+                ::testing::EndsWith("\n0\t3\t0\t0\t0\t3\t0\t0\t0\t\n"));
 }
 
 TEST_F(PreparedFile, RoundTrip) {
     save_pre = 1;
-    const std::vector<short> first(Y, Y + Sample);
-    const std::vector<int> first_ranking = screened();
-    std::rotate(Y, Y + 2, Y + Sample);
-    const std::vector<short> second(Y, Y + Sample);
-    const std::vector<int> second_ranking = screened();
-    std::fill(Y, Y + Sample, short{9});
-
+    std::vector<std::vector<short>> phenotypes;
+    std::vector<std::vector<int>> rankings;
+    for (int d = 0; d < 2; ++d) {
+        phenotypes.emplace_back(Y, Y + Sample);
+        rankings.push_back(screened());
+        rankings.back().resize(2);
+        std::rotate(Y, Y + 2, Y + Sample);
+    }
+    release_data_set();
     DiagnosticsCapture diagnostics;
     const ConsoleCapture console;
-    EXPECT_EQ(read(0),
-              (std::vector<int>{first_ranking[0], first_ranking[1], kUntouched, kUntouched}));
-    EXPECT_EQ(std::vector<short>(Y, Y + Sample), first);
-    EXPECT_EQ(read(1),
-              (std::vector<int>{second_ranking[0], second_ranking[1], kUntouched, kUntouched}));
-    EXPECT_EQ(std::vector<short>(Y, Y + Sample), second);
-    EXPECT_EQ(diagnostics.take() + console.text(), "");
-    EXPECT_EQ(samplesize[0], 60) << "the group sizes stay those of the data set";
-}
-
-TEST_F(PreparedFile, LoadsTheDataSetOnFirstUse) {
-    save_pre = 1;
-    screened();
-    release_data_set();
-    const ConsoleCapture console;
-    read(0);
-    EXPECT_NE(X, nullptr);
-    EXPECT_EQ(console.text(), "read data is finished\n");
+    for (int d = 0; d < 2; ++d) {
+        EXPECT_EQ(read(d), rankings[d]);
+        EXPECT_EQ(std::vector<short>(Y, Y + Sample), phenotypes[d]);
+    }
+    EXPECT_EQ(diagnostics.take() + console.text(), "read data is finished\n") << "on first use";
 }
 
 TEST_F(PreparedFile, WhatIsWrongWithAFile) {
     const std::string counts = "\t1\t2\t0\t0\t1\t2\t0\t0\t\n";
+    const std::string lines = "3" + counts + "1" + counts;
+    const auto no_column = [](const char* read) {
+        return ": a column below 4 was expected, not " + std::string(read) +
+               "; column 0 is taken\n";
+    };
     const std::string unusable =
-        "a column below 4 and eight counts were expected; column 0 is taken\n";
+        ": a column and eight counts were expected; column 0 is taken from here on\n";
+    const std::string few = " phenotypes, 6 expected; the others are taken as 0\n";
     const struct {
         std::string text;
         std::vector<int> ranking;
         std::string said;
     } rows[] = {
-        {"1 0 1 0 1 0 \n3" + counts + "1" + counts, {3, 1, kUntouched, kUntouched}, ""},
-        {"1 0 1 0 1 0\n3" + counts + "1\t1\t2\t0\t0\t1\t2\t0\t0",
-         {3, 1, kUntouched, kUntouched},
-         ""},
-        {"1 0 1\n3" + counts + "1" + counts,
-         {3, 1, kUntouched, kUntouched},
-         "1: 3 phenotypes, 6 expected; the others are taken as 0\n"},
-        {"1 0 1 0 1 0 \n4" + counts + "1" + counts,
-         {0, 1, kUntouched, kUntouched},
-         "2: " + unusable},
-        {"1 0 1 0 1 0 \n3" + counts + "-1" + counts,
-         {3, 0, kUntouched, kUntouched},
-         "3: " + unusable},
-        {"1 0 1 0 1 0 \n3" + counts, {3, 0, kUntouched, kUntouched}, "3: " + unusable},
+        {"1 0 1 0 1 0 \n" + lines, {3, 1}, ""},
+        {"1 0 1 0 1 0\n3" + counts + "1\t1\t2\t0\t0\t1\t2\t0\t0", {3, 1}, ""},
+        {"1 0 1\n" + lines, {3, 1}, "1: 3" + few},
+        {"1 0 1 0 1 0 \n4" + counts + "1" + counts, {0, 1}, "2" + no_column("4")},
+        {"1 0 1 0 1 0 \n3" + counts + "-1" + counts, {3, 0}, "3" + no_column("-1")},
+        {"1 0 1 0 1 0 \n3" + counts, {3, 0}, "3" + unusable},
         // A line that is too short takes its counts from the next.
-        {"1 0 1 0 1 0 \n3\t1\t2\n1" + counts, {3, 0, kUntouched, kUntouched}, "3: " + unusable},
-        {"",
-         {0, 0, kUntouched, kUntouched},
-         "1: 0 phenotypes, 6 expected; the others are taken as 0\n1: " + unusable +
-             "1: " + unusable},
+        {"1 0 1 0 1 0 \n3\t1\t2\n1" + counts, {3, 0}, "3" + unusable},
+        {"", {0, 0}, "1: 0" + few + "1" + unusable},
     };
     for (const auto& row : rows) {
         restart_prepared_files();
@@ -139,28 +105,23 @@ TEST_F(PreparedFile, WhatIsWrongWithAFile) {
     }
 }
 
-TEST_F(PreparedFile, AreConsumedInOrder) {
+TEST_F(PreparedFile, EndsOfTheProgram) {
+    expect_end([] { read(0); },
+               "^find error when opening file \\.\\\\prepare_data0_0\\.050000\\.txt\n$");
     save_pre = 1;
     screened();
-    screened();
-    const auto wrong = [](int first, int second) {
-        console_to_stderr();
-        if (first >= 0) read(first);
-        read(second);
-    };
-    const std::string message = "^find error when open prepare data file current num=";
-    EXPECT_EXIT(wrong(-1, 1), status_zero(), message + "0 but permut=1\n$");
-    EXPECT_EXIT(wrong(0, 0), status_zero(), message + "1 but permut=0\n$");
-    EXPECT_EXIT(wrong(0, 2), status_zero(), message + "1 but permut=2\n$");
-}
-
-TEST_F(PreparedFile, AFileThatCannotBeOpenedEndsTheProgram) {
-    EXPECT_EXIT((console_to_stderr(), read(0)), status_zero(),
-                "^find error when opening file \\.\\\\prepare_data0_0\\.050000\\.txt\n$");
+    const std::string order = "^find error when open prepare data file current num=";
+    expect_end([] { read(1); }, order + "0 but permut=1\n$");
+    expect_end([] { read(0), read(0); }, order + "1 but permut=0\n$");
+    restart_prepared_files();
+    std::filesystem::remove(kFirstFile);
     std::filesystem::create_directory(kFirstFile);
-    EXPECT_EXIT((console_to_stderr(), save_prepared_file({0, 1, 2, 3, 4})), status_zero(),
-                "find error open f_prepare_data_for_VORT \n$");
+    expect_end(
+        [] {
+            save_prepared_file({0, 1, 2, 3, 4});
+        },
+        "find error open f_prepare_data_for_VORT \n$");
 }
 
 }  // namespace
-}  // namespace vort
+}  // namespace vort::testing

@@ -1,24 +1,9 @@
 #include "screening/snp_index.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-
-#include "support/diagnostics_capture.h"
-#include "support/program_end.h"
 #include "support/screening_fixture.h"
 
-namespace vort {
+namespace vort::testing {
 namespace {
-
-using vort::testing::console_to_stderr;
-using vort::testing::DiagnosticsCapture;
-using vort::testing::kMarkerTable;
-using vort::testing::said_of;
-using vort::testing::ScreeningTest;
-using vort::testing::status_zero;
-using vort::testing::write_file;
 
 class SnpIndexTest : public ScreeningTest {
   protected:
@@ -64,51 +49,30 @@ TEST_F(SnpIndexTest, NumbersFromZeroAndFromOne) {
         EXPECT_EQ(name(findSNPname, row.m), row.name_from_zero) << row.m;
         EXPECT_EQ(name(findSNPname1, row.m), row.name_from_one) << row.m;
     }
-}
-
-TEST_F(SnpIndexTest, NegativeNumbersStayInTheTable) {
-    use_table(kTable, 6);
     EXPECT_EQ(name(findSNPname, -1).substr(0, 3), "@0:");
-    EXPECT_EQ(name(findSNPname1, -1).substr(0, 3), "@0:");
-}
-
-TEST_F(SnpIndexTest, EachTableIsReadOnce) {
-    use_table(kTable, 6);
-    EXPECT_EQ(name(findSNPname, 1), "rs1@1:2");
-    EXPECT_EQ(place(return_chromosome_and_locus1, 3), "3:1");
     write_file(kMarkerTable, "5 a 5 b 5 c 5 d 5 e 5 f");
-    EXPECT_EQ(name(findSNPname, 2), "rs2@1:1");
+    EXPECT_EQ(name(findSNPname, 2), "rs2@1:1") << "a table is read once";
     EXPECT_EQ(place(return_chromosome_and_locus1, 3), "3:1");
-    forget_snp_index();
-    EXPECT_EQ(name(findSNPname, 2), "b@5:3");
 }
 
 TEST_F(SnpIndexTest, WhatIsWrongWithATable) {
+    const std::string entries = " entries (a chromosome number and a name each), ";
+    const std::string no_name = " expected; the other markers have no name\n";
+    const std::string disorder =
+        ": chromosome 1 after 2, ascending order expected; loci are counted as if it were\n";
     const struct {
         std::string text;
         int markers;
         std::string said;  // without the file name
         std::string third;
     } rows[] = {
-        {kTable, 6, "", "rs3@3:2"},
-        {kTable, 3, "", "rs3@3:2"},
-        {"1 a\n2 b\n", 4,
-         "3: 2 entries (a chromosome number and a name each), 4 expected; the other markers have "
-         "no name\n",
-         "@0:3"},
+        {kTable, 3, "3: more than the 3 entries expected; ignored from here on\n", "rs3@3:2"},
+        {"1 a\n2 b\n", 4, "3: 2" + entries + "4" + no_name, "@0:3"},
         {"1 a\n1 b\n7", 3, "3: a name was expected\n", "@7:2"},
         {"1 a\nX b\n1 c\n", 3,
-         "2: 1 entries (a chromosome number and a name each), 3 expected; the other markers have "
-         "no name\n",
-         "@0:4"},
-        {"", 3,
-         "1: 0 entries (a chromosome number and a name each), 3 expected; the other markers have "
-         "no name\n",
-         "@0:4"},
-        {"2 a\n1 b\n\n1 c\n", 3,
-         "2: chromosome 1 after 2, ascending order expected; loci are counted as if it were\n"
-         "4: chromosome 1 after 2, ascending order expected; loci are counted as if it were\n",
-         "c@1:2"},
+         "2: a chromosome number was expected; no entry from here on is read\n", "@0:4"},
+        {"", 3, "1: 0" + entries + "3" + no_name, "@0:4"},
+        {"2 a\n1 b\n\n1 c\n", 3, "2" + disorder + "4" + disorder, "c@1:2"},
         {"0 a\n27 b\n-3 c\n1 d\n", 4,
          "1: chromosome 0, 1 to 26 expected\n2: chromosome 27, 1 to 26 expected\n"
          "3: chromosome -3, 1 to 26 expected\n",
@@ -127,28 +91,17 @@ TEST_F(SnpIndexTest, WhatIsWrongWithATable) {
 }
 
 TEST_F(SnpIndexTest, ATableThatCannotBeOpenedEndsTheProgram) {
-    const auto from_zero = [](Locate locate) {
-        console_to_stderr();
-        int chromosome = 0;
-        int locus = 0;
-        locate(0, &chromosome, &locus);
-    };
-    const auto find = [](Name find_name) {
-        console_to_stderr();
-        int chromosome = 0;
-        int locus = 0;
-        find_name(0, &chromosome, &locus);
-    };
+    const std::string message = "^open file Chromosome_SNP_Name.txt ";
     for (const bool folder : {false, true}) {
         if (folder) std::filesystem::create_directory(kMarkerTable);
-        const char* no_places = "^open file Chromosome_SNP_Name.txt have some error\n$";
-        const char* no_names = "^open file Chromosome_SNP_Name.txt find error\n$";
-        EXPECT_EXIT(from_zero(return_chromosome_and_locus), status_zero(), no_places);
-        EXPECT_EXIT(from_zero(return_chromosome_and_locus1), status_zero(), no_places);
-        EXPECT_EXIT(find(findSNPname), status_zero(), no_names);
-        EXPECT_EXIT(find(findSNPname1), status_zero(), no_names);
+        for (const Locate locate : {return_chromosome_and_locus, return_chromosome_and_locus1}) {
+            expect_end([&] { place(locate, 0); }, message + "have some error\n$");
+        }
+        for (const Name find : {findSNPname, findSNPname1}) {
+            expect_end([&] { name(find, 0); }, message + "find error\n$");
+        }
     }
 }
 
 }  // namespace
-}  // namespace vort
+}  // namespace vort::testing

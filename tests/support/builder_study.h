@@ -11,7 +11,6 @@
 #include <cmath>
 #include <cstdint>
 #include <memory>
-#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -22,6 +21,7 @@
 #include "numeric/random.h"
 #include "support/console_capture.h"
 #include "support/program_end.h"
+#include "support/study.h"
 #include "support/temporary_folder.h"
 
 namespace vort::testing {
@@ -62,54 +62,6 @@ inline std::uint64_t bits(double value) {
     return std::isnan(value) ? ~0ULL : std::bit_cast<std::uint64_t>(value);
 }
 
-// What the screening hands over: genotypes by individual and column, and for every data set a row
-// of phenotypes and a ranking of the columns.
-class Study {
-  public:
-    // A string for each individual, a character for each column: 0, 1, 2, or '-' for missing. One
-    // data set, its ranking the order of the columns.
-    Study(std::vector<std::string> genotypes, std::vector<short> phenotype)
-        : genotypes_(std::move(genotypes)) {
-        for (std::string& row : genotypes_) {
-            for (char& c : row) c = static_cast<char>(c == '-' ? -1 : c - '0');
-        }
-        std::vector<int> ranking(genotypes_[0].size());
-        std::iota(ranking.begin(), ranking.end(), 0);
-        add_data_set(std::move(phenotype), std::move(ranking));
-    }
-
-    void add_data_set(std::vector<short> phenotype, std::vector<int> ranking) {
-        phenotypes_.push_back(std::move(phenotype));
-        rankings_.push_back(std::move(ranking));
-        x_ = rows_of<char*>(genotypes_);
-        y_ = rows_of<short*>(phenotypes_);
-        r_ = rows_of<int*>(rankings_);
-    }
-
-    int individuals() const { return static_cast<int>(genotypes_.size()); }
-    int markers() const { return static_cast<int>(rankings_[0].size()); }
-    int data_sets() const { return static_cast<int>(rankings_.size()); }
-    const std::vector<int>& ranking(int r) const { return rankings_[r]; }
-    char** x() { return x_.data(); }
-    short** y() { return y_.data(); }
-    int** rankings() { return r_.data(); }
-
-  private:
-    template <typename Row, typename Rows>
-    static std::vector<Row> rows_of(Rows& rows) {
-        std::vector<Row> pointers;
-        for (auto& row : rows) pointers.push_back(row.data());
-        return pointers;
-    }
-
-    std::vector<std::string> genotypes_;
-    std::vector<std::vector<short>> phenotypes_;
-    std::vector<std::vector<int>> rankings_;
-    std::vector<char*> x_;
-    std::vector<short*> y_;
-    std::vector<int*> r_;
-};
-
 struct Settings {
     int individuals;
     int markers;
@@ -145,7 +97,6 @@ inline std::unique_ptr<CSM> builder_with(Study& study, const Settings& settings)
     take_in(*csm, study);
     return csm;
 }
-
 inline std::unique_ptr<CSM> builder_with(Study& study) {
     return builder_with(study, {study.individuals(), study.markers()});
 }

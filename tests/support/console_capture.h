@@ -12,7 +12,6 @@ class ConsoleCapture {
     ConsoleCapture() : before_(std::cout.rdbuf(text_.rdbuf())) {}
     ~ConsoleCapture() { std::cout.rdbuf(before_); }
     ConsoleCapture(const ConsoleCapture&) = delete;
-    ConsoleCapture& operator=(const ConsoleCapture&) = delete;
 
     std::string text() const { return text_.str(); }
 

@@ -30,7 +30,6 @@ class DiagnosticsCapture {
         std::cerr.rdbuf(before_);
     }
     DiagnosticsCapture(const DiagnosticsCapture&) = delete;
-    DiagnosticsCapture& operator=(const DiagnosticsCapture&) = delete;
 
     // All lines since the last call; lines of a kind count from the beginning again.
     std::string take() {

@@ -12,7 +12,6 @@ class Restored {
     explicit Restored(T&... variables) : variables_(variables...), before_(variables...) {}
     ~Restored() { variables_ = before_; }
     Restored(const Restored&) = delete;
-    Restored& operator=(const Restored&) = delete;
 
   private:
     std::tuple<T&...> variables_;

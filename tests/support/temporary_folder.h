@@ -24,7 +24,6 @@ class TemporaryFolder {
         std::filesystem::remove_all(path_);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   private:
     std::filesystem::path before_;

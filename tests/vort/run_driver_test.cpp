@@ -1,64 +1,42 @@
 #include "vort/run_driver.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
 #include <random>
-#include <string>
-#include <vector>
 
 #include "csm/globals.h"
 #include "ensemble/globals.h"
 #include "numeric/random.h"
-#include "support/console_capture.h"
-#include "support/diagnostics_capture.h"
-#include "support/program_end.h"
 #include "support/screening_fixture.h"
 
-namespace vort {
+namespace vort::testing {
 namespace {
 
 using ::testing::HasSubstr;
 using ::testing::MatchesRegex;
-using vort::testing::console_to_stderr;
-using vort::testing::ConsoleCapture;
-using vort::testing::DiagnosticsCapture;
-using vort::testing::kDataFile;
-using vort::testing::kMarkerTable;
-using vort::testing::read_file;
-using vort::testing::Restored;
-using vort::testing::ScreeningTest;
-using vort::testing::status_zero;
-using vort::testing::write_file;
 
 constexpr int kIndividuals = 60;
-constexpr int kMarkers = 6;
 
 class RunDriver : public ScreeningTest {
   protected:
     RunDriver() { init_rand1(); }
     ~RunDriver() override { init_rand1(); }
 
-    // The first column follows the phenotype, the others nothing.
-    static void write_input(int permutations) {
+    // The first of six columns follows the phenotype, the others nothing.
+    static void write_input(int permutations, const std::string& more = "") {
         std::mt19937 random(3);
         std::string data;
-        std::string table;
         for (int i = 0; i < kIndividuals; ++i) {
             const int phenotype = i % 2;
             data += std::to_string(phenotype) + ' ' + (i % 7 == 0 ? "1" : phenotype ? "2" : "0");
-            for (int j = 1; j < kMarkers; ++j) data += ' ' + std::to_string(random() % 3);
+            for (int j = 1; j < 6; ++j) data += ' ' + std::to_string(random() % 3);
             data += '\n';
         }
-        for (int j = 1; j <= kMarkers; ++j) table += "2 rs" + std::to_string(j) + '\n';
         write_file(kDataFile, data);
-        write_file(kMarkerTable, table);
-        write_file("parameter.txt", "Inputfile dat1.txt\nHead 0\nRecorder_num 0\nSample_size " +
-                                        std::to_string(kIndividuals) + "\nNumber_of_markers " +
-                                        std::to_string(kMarkers) + "\nMax_retain 3\n" +
-                                        "Number_of_permutation " + std::to_string(permutations) +
-                                        "\nBest_m 5\nHow_many_imputation_to_deal_with_missing 2\n");
+        write_file(kMarkerTable, "2 rs1\n2 rs2\n2 rs3\n2 rs4\n2 rs5\n2 rs6\n");
+        write_file("parameter.txt",
+                   "Inputfile dat1.txt\nHead 0\nRecorder_num 0\nSample_size 60\n"
+                   "Number_of_markers 6\nMax_retain 3\nBest_m 5\nNumber_of_permutation " +
+                       std::to_string(permutations) +
+                       "\nHow_many_imputation_to_deal_with_missing 2\n" + more);
     }
 
     static std::string run() {
@@ -94,12 +72,7 @@ TEST_F(RunDriver, LeavesTheReportsAndNothingElse) {
     EXPECT_EQ(nm, 5);
     EXPECT_EQ(missingrepeat, 2);
     EXPECT_STREQ(hostname, "");
-}
-
-// The best marker is the first column, so the table line before its own is none.
-TEST_F(RunDriver, SelectedMarkersAreNamedByTheLineBeforeTheirOwn) {
-    write_input(2);
-    run();
+    // The best marker is the first column, so the table line before its own is none.
     const std::string report = read_file("Final_result.txt");
     EXPECT_THAT(report, ::testing::StartsWith("Inputfile")) << "what stood there stays";
     EXPECT_THAT(report, HasSubstr("\n\nMarker \t1\t name = \t Chromosome= 0"));
@@ -109,8 +82,7 @@ TEST_F(RunDriver, SelectedMarkersAreNamedByTheLineBeforeTheirOwn) {
 
 // Prepared files of one run serve the next: the same phenotypes, rankings and reports.
 TEST_F(RunDriver, PreparedFilesGiveTheSameReports) {
-    constexpr int kPermutations = 2;
-    write_input(kPermutations);
+    write_input(2);
     save_pre = 1;
     run();
     const std::string report = read_file("Final_result.txt");
@@ -119,47 +91,37 @@ TEST_F(RunDriver, PreparedFilesGiveTheSameReports) {
 
     forget_all();
     init_rand1();
-    save_pre = 0;
-    direct_calculate = 0;
+    save_pre = direct_calculate = 0;
     std::filesystem::remove("P_value.txt");
     std::filesystem::remove("Final_result.txt");
     // The shuffles of the first run drew these numbers, one for each individual.
-    for (int i = 0; i < kPermutations * kIndividuals; ++i) rand1();
-    const std::string console = run();
-    EXPECT_THAT(console, ::testing::Not(HasSubstr("time of pvalue")));
+    for (int i = 0; i < 2 * kIndividuals; ++i) rand1();
+    EXPECT_THAT(run(), ::testing::Not(HasSubstr("time of pvalue")));
     EXPECT_EQ(read_file("Final_result.txt"), report);
     EXPECT_EQ(read_file("P_value.txt"), pvalue);
 }
 
-TEST_F(RunDriver, SizesThatCannotBeEndTheProgram) {
-    const auto run_with = [](const std::string& line) {
-        console_to_stderr();
-        write_input(1);
-        write_file("parameter.txt", read_file("parameter.txt") + line + '\n');
-        run_analysis();
-        std::exit(3);
+TEST_F(RunDriver, EndsOfTheProgram) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"Sample_size 0",
+         "parameter.txt: Sample_size 0, Number_of_markers 6 and Number_of_permutation 1 cannot be "
+         "analysed"},
+        {"Sample_size -5", "Sample_size -5, .*cannot be analysed"},
+        {"Number_of_markers -1\nBest_m -1", "Number_of_markers -1 .*cannot be analysed"},
+        {"Number_of_permutation -1", "Number_of_permutation -1 cannot be analysed"},
+        {"Sample_size 2e9\nNumber_of_markers 2e9",
+         "markers .Number_of_markers. and 1 permutations .Number_of_permutation. would take "
+         "4e\\+09 GB"},
+        {"Inputfile absent.txt", "file open absent.txt not good\n$"},
     };
-    EXPECT_EXIT(run_with("Sample_size 0"), status_zero(),
-                "parameter.txt: Sample_size 0, Number_of_markers 6 and Number_of_permutation 1 "
-                "cannot be analysed");
-    EXPECT_EXIT(run_with("Sample_size -5"), status_zero(), "Sample_size -5, .*cannot be analysed");
-    EXPECT_EXIT(run_with("Number_of_markers -1\nBest_m -1"), status_zero(),
-                "Number_of_markers -1 .*cannot be analysed");
-    EXPECT_EXIT(run_with("Number_of_permutation -1"), status_zero(),
-                "Number_of_permutation -1 cannot be analysed");
-    EXPECT_EXIT(run_with("Sample_size 2e9\nNumber_of_markers 2e9"), status_zero(),
-                "markers .Number_of_markers. and 1 permutations .Number_of_permutation. would take "
-                "4e\\+09 GB");
-    EXPECT_EXIT(run_with("Inputfile absent.txt"), status_zero(),
-                "file open absent.txt not good\n$");
-}
-
-TEST_F(RunDriver, AMissingMarkerTableEndsTheProgramBeforeTheTimeIsTold) {
+    for (const auto& [line, message] : rows) {
+        write_input(1, std::string(line) + '\n');
+        expect_end(run_analysis, message);
+    }
     write_input(0);
     std::filesystem::remove(kMarkerTable);
-    EXPECT_EXIT((console_to_stderr(), run_analysis()), status_zero(),
-                "open file Chromosome_SNP_Name.txt [a-z ]+error\n$");
+    expect_end(run_analysis, "open file Chromosome_SNP_Name.txt [a-z ]+error\n$");
 }
 
 }  // namespace
-}  // namespace vort
+}  // namespace vort::testing
