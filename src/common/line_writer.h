@@ -9,10 +9,13 @@
 #pragma once
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstring>
 #include <iosfwd>
 #include <string_view>
+
+#include "common/number_text.h"
 
 namespace vort {
 
@@ -29,9 +32,20 @@ class LineWriter {
         size_ += piece.size();
         return *this;
     }
-    LineWriter& integer(int value);
-    LineWriter& general(double value);
-    void end_line();
+    LineWriter& integer(int value) {
+        char* const at = buffer_.data() + size_;
+        size_ += static_cast<std::size_t>(std::to_chars(at, at + kLongestLine, value).ptr - at);
+        return *this;
+    }
+    LineWriter& general(double value) {
+        char* const at = buffer_.data() + size_;
+        size_ += static_cast<std::size_t>(write_general(value, at) - at);
+        return *this;
+    }
+    void end_line() {
+        buffer_[size_++] = '\n';
+        if (size_ >= kSize) hand_over();
+    }
 
     static constexpr std::size_t kLongestLine = 1024;
 

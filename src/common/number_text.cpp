@@ -41,11 +41,11 @@ int leading_zeros(double value) {
 int six_digits(double value, int zeros) {
     constexpr double kPower[] = {1e6, 1e7, 1e8, 1e9, 1e10};
     constexpr double kUnsure = 1e-6;
-    const double scaled = value * kPower[zeros];
-    const int below = static_cast<int>(scaled);
-    const double rest = scaled - below;
-    if (std::abs(rest - 0.5) < kUnsure) return 0;
-    return below + (rest > 0.5 ? 1 : 0);
+    // Rounded by the cut of what is half too large; how far the cut was tells how near a half was.
+    const double scaled = value * kPower[zeros] + 0.5;
+    const int digits = static_cast<int>(scaled);
+    const double above = scaled - digits;
+    return above < kUnsure || above > 1 - kUnsure ? 0 : digits;
 }
 
 // "00" to "99".

@@ -159,7 +159,7 @@ void MinimumScreening::finish_block(int first, int size) {
         [this](int slot, double pvalue) { minimum_[slot] = std::min(minimum_[slot], pvalue); });
     for (int slot = 0; slot < size; ++slot) {
         const int marker = first + slot + 1;
-        result_.minimum.push_back({minimum_[slot], marker});
+        result_.minimum[marker - 1] = {minimum_[slot], marker};
         if (minimum_[slot] <= kMinimumSignificant) {
             result_.minimum_significant.push_back({marker, minimum_[slot]});
         }
@@ -170,7 +170,7 @@ ScreeningResult& MinimumScreening::screen(const int* packed) {
     const auto compute_statistics =
         kernel_for(instructions_, []<Instructions I>() { return FiveModelKernel<I>::statistics; });
     result_.clear();
-    result_.minimum.reserve(static_cast<std::size_t>(markers_));
+    result_.minimum.resize(static_cast<std::size_t>(markers_));
     for (int first = 0; first < markers_; first += kMarkerBlock) {
         const int size = std::min(kMarkerBlock, markers_ - first);
         load_block(packed, first, size);

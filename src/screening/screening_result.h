@@ -20,13 +20,12 @@ struct Finding {
 };
 
 struct ScreeningResult {
-    // Forgets everything but the room that it took.
+    // Makes ready for another data set of as many markers, whose minima then overwrite these.
     void clear() {
         for (auto& findings : significant) findings.clear();
         minimum_significant.clear();
         dropped = 0;
         dropped_significant = {};
-        minimum.clear();
     }
 
     // In ascending order of markers.
