@@ -152,8 +152,15 @@ void ranking_lines_fast(benchmark::State& state) {
         {
             LineWriter out(text);
             for (int k = 1; k <= 1000; ++k) {
-                out.integer(k).text(" index=").integer(k).text(" pvalue=").general(pvalues[k]);
-                out.text(" ref=").integer(k - 1).end_line();
+                const DecimalDigits ref(k - 1);
+                out.end(out.begin()
+                            .integer(ref.next())
+                            .text(" index=")
+                            .integer(ref.next())
+                            .text(" pvalue=")
+                            .general(pvalues[k])
+                            .text(" ref=")
+                            .integer(ref));
             }
         }
         benchmark::DoNotOptimize(text.str().size());

@@ -56,97 +56,113 @@ inline double leading_factor(double a, double x, double gln) {
     return std::exp(-x + a * std::log(x) - gln);
 }
 
-}  // namespace chi_square
-
+// The sum over n of x^n / (a (a + 1) .. (a + n)).
 template <Instructions kInstructions>
-void ChiSquareKernel<kInstructions>::series(const double* a, const double* x, const double* gln,
-                                            int size, double* tail) {
-    using namespace chi_square;
+class Series {
+  public:
     using V = Vectors<kInstructions>;
-    constexpr int R = V::kRegisters;
+
+    Series(double a, const double* x) : denominator_(a) {
+        V::load(x, point_);
+        for (int v = 0; v < V::kRegisters; ++v) value[v] = term_[v] = typename V::Doubles{} + 1 / a;
+    }
+
+    [[gnu::always_inline]] void add_term(typename V::Mask (&going)[V::kRegisters]) {
+        denominator_ += 1.0;
+        for (int v = 0; v < V::kRegisters; ++v) {
+            term_[v] *= point_[v] / denominator_;
+            value[v] = select(going[v], value[v] + term_[v], value[v]);
+            going[v] &= ~(V::magnitude(term_[v]) < V::magnitude(value[v]) * kAccuracy);
+        }
+    }
+
+    static double upper_tail(double value, double leading) { return 1 - value * leading; }
+
+    typename V::Doubles value[V::kRegisters];
+
+  private:
+    double denominator_;
+    typename V::Doubles point_[V::kRegisters];
+    typename V::Doubles term_[V::kRegisters];
+};
+
+// The continued fraction of the upper tail, by Lentz's method.
+template <Instructions kInstructions>
+class Fraction {
+  public:
+    using V = Vectors<kInstructions>;
+
+    Fraction(double a, const double* x) : a_(a) {
+        V::load(x, b_);
+        for (int v = 0; v < V::kRegisters; ++v) {
+            b_[v] = b_[v] + 1.0 - a;
+            c_[v] = typename V::Doubles{} + 1.0 / kSmallest;
+            d_[v] = 1.0 / b_[v];
+            value[v] = d_[v];
+        }
+    }
+
+    [[gnu::always_inline]] void add_term(typename V::Mask (&going)[V::kRegisters]) {
+        i_ += 1.0;
+        const double an = -i_ * (i_ - a_);
+        for (int v = 0; v < V::kRegisters; ++v) {
+            b_[v] += 2.0;
+            d_[v] = 1.0 / V::away_from_zero(an * d_[v] + b_[v]);
+            c_[v] = V::away_from_zero(b_[v] + an / c_[v]);
+            const typename V::Doubles factor = d_[v] * c_[v];
+            value[v] = select(going[v], value[v] * factor, value[v]);
+            going[v] &= ~(V::magnitude(factor - 1.0) < kAccuracy);
+        }
+    }
+
+    static double upper_tail(double value, double leading) { return 1 - (1.0 - leading * value); }
+
+    typename V::Doubles value[V::kRegisters];
+
+  private:
+    double a_;
+    double i_ = 0;
+    typename V::Doubles b_[V::kRegisters];
+    typename V::Doubles c_[V::kRegisters];
+    typename V::Doubles d_[V::kRegisters];
+};
+
+template <Instructions kInstructions, typename Expansion>
+void upper_tails(double a, double gln, const double* x, int size, double* tail) {
+    using V = Vectors<kInstructions>;
     for (int first = 0; first < size; first += kStatisticsAtOnce) {
-        typename V::Doubles point[R];
-        typename V::Doubles ap[R];
-        typename V::Doubles del[R];
-        typename V::Doubles sum[R];
-        typename V::Mask going[R];
-        V::load(x + first, point);
-        V::load(a + first, ap);
-        for (int v = 0; v < R; ++v) {
-            del[v] = 1.0 / ap[v];
-            sum[v] = del[v];
-            going[v] = ap[v] == ap[v];
-        }
+        Expansion expansion(a, x + first);
+        typename V::Mask going[V::kRegisters];
+        for (auto& lanes : going) lanes = ~typename V::Mask{};
         for (int n = 0; n < kMaxTerms && V::any(going); n += kTermsBetweenLooks) {
-            for (int term = 0; term < kTermsBetweenLooks; ++term) {
-                for (int v = 0; v < R; ++v) {
-                    ap[v] += 1.0;
-                    del[v] *= point[v] / ap[v];
-                    sum[v] = select(going[v], sum[v] + del[v], sum[v]);
-                    going[v] &= ~(V::magnitude(del[v]) < V::magnitude(sum[v]) * kAccuracy);
-                }
-            }
+            for (int term = 0; term < kTermsBetweenLooks; ++term) expansion.add_term(going);
         }
-        double sums[kStatisticsAtOnce];
+        double value[kStatisticsAtOnce];
         std::int64_t goes_on[kStatisticsAtOnce];
-        std::memcpy(sums, sum, sizeof sums);
+        std::memcpy(value, expansion.value, sizeof value);
         std::memcpy(goes_on, going, sizeof goes_on);
         for (int l = 0; l < kStatisticsAtOnce; ++l) {
-            const int k = first + l;
-            const double lower = sums[l] * leading_factor(a[k], x[k], gln[k]);
-            tail[k] = goes_on[l] != 0 ? kNotConverged : 1 - lower;
+            const double leading = leading_factor(a, x[first + l], gln);
+            tail[first + l] =
+                goes_on[l] != 0 ? kNotConverged : Expansion::upper_tail(value[l], leading);
         }
     }
 }
 
+}  // namespace chi_square
+
 template <Instructions kInstructions>
-void ChiSquareKernel<kInstructions>::fraction(const double* a, const double* x, const double* gln,
-                                              int size, double* tail) {
-    using namespace chi_square;
-    using V = Vectors<kInstructions>;
-    constexpr int R = V::kRegisters;
-    for (int first = 0; first < size; first += kStatisticsAtOnce) {
-        typename V::Doubles shape[R];
-        typename V::Doubles b[R];
-        typename V::Doubles c[R];
-        typename V::Doubles d[R];
-        typename V::Doubles h[R];
-        typename V::Mask going[R];
-        V::load(a + first, shape);
-        V::load(x + first, b);
-        for (int v = 0; v < R; ++v) {
-            b[v] = b[v] + 1.0 - shape[v];
-            c[v] = typename V::Doubles{} + 1.0 / kSmallest;
-            d[v] = 1.0 / b[v];
-            h[v] = d[v];
-            going[v] = b[v] == b[v];
-        }
-        double i = 0;
-        for (int n = 0; n < kMaxTerms && V::any(going); n += kTermsBetweenLooks) {
-            for (int term = 0; term < kTermsBetweenLooks; ++term) {
-                i += 1.0;
-                for (int v = 0; v < R; ++v) {
-                    const typename V::Doubles an = -i * (i - shape[v]);
-                    b[v] += 2.0;
-                    d[v] = V::away_from_zero(an * d[v] + b[v]);
-                    c[v] = V::away_from_zero(b[v] + an / c[v]);
-                    d[v] = 1.0 / d[v];
-                    const typename V::Doubles del = d[v] * c[v];
-                    h[v] = select(going[v], h[v] * del, h[v]);
-                    going[v] &= ~(V::magnitude(del - 1.0) < kAccuracy);
-                }
-            }
-        }
-        double factor[kStatisticsAtOnce];
-        std::int64_t goes_on[kStatisticsAtOnce];
-        std::memcpy(factor, h, sizeof factor);
-        std::memcpy(goes_on, going, sizeof goes_on);
-        for (int l = 0; l < kStatisticsAtOnce; ++l) {
-            const int k = first + l;
-            const double upper = leading_factor(a[k], x[k], gln[k]) * factor[l];
-            tail[k] = goes_on[l] != 0 ? kNotConverged : 1 - (1.0 - upper);
-        }
-    }
+void ChiSquareKernel<kInstructions>::series(double a, double gln, const double* x, int size,
+                                            double* tail) {
+    chi_square::upper_tails<kInstructions, chi_square::Series<kInstructions>>(a, gln, x, size,
+                                                                               tail);
+}
+
+template <Instructions kInstructions>
+void ChiSquareKernel<kInstructions>::fraction(double a, double gln, const double* x, int size,
+                                              double* tail) {
+    chi_square::upper_tails<kInstructions, chi_square::Fraction<kInstructions>>(a, gln, x, size,
+                                                                                 tail);
 }
 
 }  // namespace vort

@@ -1,6 +1,5 @@
 #include "numeric/chi_square_lanes.h"
 
-#include "numeric/chi_square_kernel.h"
 #include "numeric/distributions.h"
 
 namespace vort {
@@ -12,35 +11,34 @@ constexpr double kPadding = 2.0;
 
 }  // namespace
 
-// A whole group of lanes more, for the padding, and one for what is written but not counted.
-ChiSquareQueue::Items::Items(std::size_t capacity)
-    : a(capacity + kStatisticsAtOnce + 1),
-      x(a.size()),
-      gln(a.size()),
-      tag(a.size()),
-      tail(a.size()) {}
-
 ChiSquareQueue::ChiSquareQueue(Instructions instructions, int capacity)
-    : instructions_(instructions),
-      series_(static_cast<std::size_t>(capacity)),
-      fraction_(static_cast<std::size_t>(capacity)),
-      log_gamma_{0, gammln(0.5), gammln(1.0)} {}
-
-void ChiSquareQueue::evaluate(Items& items) const {
-    std::size_t padded = items.size;
-    for (; padded % kStatisticsAtOnce != 0; ++padded) {
-        items.a[padded] = 0.5;
-        items.x[padded] = kPadding;
-        items.gln[padded] = log_gamma_[1];
+    : instructions_(instructions) {
+    // A group more for those that go on waiting, one for the padding, and one item for what is
+    // written but not counted.
+    const std::size_t room = static_cast<std::size_t>(capacity) + 2 * kGroup + 1;
+    for (std::size_t l = 0; l < lines_.size(); ++l) {
+        const double a = l < 2 ? 0.5 : 1.0;
+        lines_[l] = {a,
+                     gammln(a),
+                     l % 2 != 0,
+                     0,
+                     std::vector<double>(room),
+                     std::vector<int>(room),
+                     std::vector<double>(room)};
     }
-    const auto expand = kernel_for(instructions_, [series = &items == &series_]<Instructions I>() {
+}
+
+// The first `size` of a line, which are all of it where they are not a multiple of a group.
+void ChiSquareQueue::evaluate(Line& line, std::size_t size) const {
+    const std::size_t padded = (size + kGroup - 1) / kGroup * kGroup;
+    std::fill(line.x.begin() + size, line.x.begin() + std::max(padded, size), kPadding);
+    const auto expand = kernel_for(instructions_, [series = line.in_series]<Instructions I>() {
         return series ? ChiSquareKernel<I>::series : ChiSquareKernel<I>::fraction;
     });
-    expand(items.a.data(), items.x.data(), items.gln.data(), static_cast<int>(padded),
-           items.tail.data());
-    for (std::size_t k = 0; k < items.size; ++k) {
+    expand(line.a, line.gln, line.x.data(), static_cast<int>(padded), line.tail.data());
+    for (std::size_t k = 0; k < size; ++k) {
         // The plain form says on the console what it thinks of a series that does not converge.
-        if (items.tail[k] < 0) items.tail[k] = 1 - gammp(items.a[k], items.x[k]);
+        if (line.tail[k] < 0) line.tail[k] = 1 - gammp(line.a, line.x[k]);
     }
 }
 

@@ -4,30 +4,51 @@
 #include <array>
 #include <bit>
 
-#include "screening/count_kernel.h"
+#include "screening/five_model_kernel.h"
 #include "screening/genotype_tile.h"
 
 namespace vort {
 
 namespace {
 
-constexpr int kPackedBits = 32;
+constexpr int kPackedBits = 31;
+
+int width(int most) {
+    return std::bit_width(static_cast<unsigned>(most));
+}
+
+std::size_t whole_blocks(int markers) {
+    return (static_cast<std::size_t>(markers) + kMarkerBlock - 1) / kMarkerBlock * kMarkerBlock;
+}
 
 }  // namespace
 
-CountedDataSets::Packing::Packing(const TopCounts& counted) : total(counted) {
-    const auto width = [](int most) {
-        return static_cast<unsigned char>(std::bit_width(static_cast<unsigned>(most)));
-    };
-    two_from = width(total.one);
-    missing_from = static_cast<unsigned char>(two_from + width(total.two));
-    size = static_cast<unsigned char>(missing_from + width(total.missing));
+// Marks the counts as not ready where they need too many bits.
+void CountedDataSets::pack_totals(int j, const Count& total) {
+    const auto& [one, two, missing] = total;
+    const int two_from = width(one);
+    const int missing_from = two_from + width(two);
+    ready_ = ready_ && missing_from + width(missing) <= kPackedBits;
+    one_[j] = one;
+    two_[j] = two;
+    missing_[j] = missing;
+    two_from_[j] = static_cast<unsigned char>(two_from);
+    missing_from_[j] = static_cast<unsigned char>(missing_from);
+}
+
+int CountedDataSets::packed(int j, const Count& cases) const {
+    const auto& [one, two, missing] = cases;
+    return one | two << two_from_[j] | missing << missing_from_[j];
 }
 
 CountedDataSets::CountedDataSets(char* const* genotypes, int individuals, int markers,
                                  std::span<short* const> phenotypes, std::span<int* const> rankings,
                                  Instructions instructions)
-    : markers_(static_cast<std::size_t>(markers)) {
+    : one_(whole_blocks(markers)),
+      two_(one_.size()),
+      missing_(one_.size()),
+      two_from_(one_.size()),
+      missing_from_(one_.size()) {
     const auto count =
         kernel_for(instructions, []<Instructions I>() { return CountKernel<I>::count; });
     GenotypeTile tile(individuals);
@@ -41,22 +62,12 @@ CountedDataSets::CountedDataSets(char* const* genotypes, int individuals, int ma
         const int columns = std::min(GenotypeTile::kColumns, markers - first);
         tile.load(genotypes, first, columns);
         count(tile.column(0), columns, tile.plane_size(), everybody.data(), counts.data());
-        for (int c = 0; c < columns; ++c) {
-            const auto& [one, two, missing] = counts[c].count;
-            markers_[first + c] = Packing({one, two, missing});
-            ready_ = ready_ && markers_[first + c].size <= kPackedBits;
-        }
+        for (int c = 0; c < columns; ++c) pack_totals(first + c, counts[c].count);
         if (!ready_) return;
         for (std::size_t d = 0; d < cases.size(); ++d) {
             count(tile.column(0), columns, tile.plane_size(), cases[d].data(), counts.data());
             for (int c = 0; c < columns; ++c) {
-                const auto& [one, two, missing] = counts[c].count;
-                const Packing& packing = markers_[first + c];
-                const std::uint64_t packed = static_cast<std::uint64_t>(one) |
-                                             static_cast<std::uint64_t>(two) << packing.two_from |
-                                             static_cast<std::uint64_t>(missing)
-                                                 << packing.missing_from;
-                rankings[d][first + c] = static_cast<int>(static_cast<std::uint32_t>(packed));
+                rankings[d][first + c] = packed(first + c, counts[c].count);
             }
         }
     }

@@ -1,11 +1,18 @@
-// The five-model statistics of a block of markers, several at a time.
+// A block of markers from packed counts to five-model statistics, several at a time.
 #pragma once
 
 #include "numeric/instructions.h"
+#include "screening/packed_columns.h"
 
 namespace vort {
 
 constexpr int kMarkerBlock = 128;  // a multiple of every register's doubles
+
+// Cases and controls, those with a missing genotype included.
+struct GroupSizes {
+    int cases;
+    int controls;
+};
 
 // One array for each field of GenotypeTable and of ModelStatistics, one element for each marker.
 struct TableBlock {
@@ -17,9 +24,31 @@ struct StatisticsBlock {
     Row additive, dominant, recessive, genotype, classes;
 };
 
+// Of the statistics with one degree of freedom, the genotype statistic of a marker of two genotypes
+// among them: the largest, and how many are so close to it, itself included, that their computed
+// p-values may come in any order. kMargin of them, absolute and relative, is far beyond what the
+// p-values are off.
+struct LeadersBlock {
+    using Row = double[kMarkerBlock];
+    Row largest, close;
+};
+constexpr double kMargin = 1e-4;
+template <typename Number>  // a double or a vector of them
+[[gnu::always_inline]] constexpr Number lower_end_of_close(const Number& largest) {
+    return largest - (kMargin + kMargin * largest);
+}
+
+struct MarkerBlock {
+    TableBlock table;
+    StatisticsBlock statistics;
+    LeadersBlock leaders;
+};
+
 template <Instructions kInstructions>
 struct FiveModelKernel {
-    static void statistics(const TableBlock& in, StatisticsBlock& out);
+    // Both `columns` and `packed` have kMarkerBlock elements.
+    static void compute(const PackedColumns& columns, const int* packed, GroupSizes sizes,
+                        MarkerBlock& out);
 };
 
 }  // namespace vort

@@ -9,8 +9,33 @@
 
 namespace vort {
 
+namespace five_model {
+
 template <Instructions kInstructions>
-void FiveModelKernel<kInstructions>::statistics(const TableBlock& in, StatisticsBlock& out) {
+void unpack(const PackedColumns& columns, const int* packed, GroupSizes sizes, TableBlock& out) {
+    for (int c = 0; c < kMarkerBlock; ++c) {
+        const int two_from = columns.two_from[c];
+        const int missing_from = columns.missing_from[c];
+        const int one = packed[c] & ((1 << two_from) - 1);
+        const int two = packed[c] >> two_from & ((1 << (missing_from - two_from)) - 1);
+        const int missing = packed[c] >> missing_from;
+        const int R = sizes.cases - missing;
+        const int S = sizes.controls - (columns.missing[c] - missing);
+        const int b1 = columns.one[c] - one;
+        const int b2 = columns.two[c] - two;
+        out.a0[c] = R - one - two;
+        out.a1[c] = one;
+        out.a2[c] = two;
+        out.b0[c] = S - b1 - b2;
+        out.b1[c] = b1;
+        out.b2[c] = b2;
+        out.R[c] = R;
+        out.S[c] = S;
+    }
+}
+
+template <Instructions kInstructions>
+void compute_statistics(const TableBlock& in, StatisticsBlock& out) {
     using Doubles = typename Register<kInstructions>::Doubles;
     constexpr std::size_t kBytes = sizeof(Doubles);
     for (int first = 0; first < kMarkerBlock; first += Register<kInstructions>::kSize) {
@@ -31,6 +56,40 @@ void FiveModelKernel<kInstructions>::statistics(const TableBlock& in, Statistics
         std::memcpy(out.genotype + first, &statistics.genotype, kBytes);
         std::memcpy(out.classes + first, &statistics.classes, kBytes);
     }
+}
+
+template <Instructions kInstructions>
+void find_leaders(const StatisticsBlock& in, LeadersBlock& out) {
+    using Doubles = typename Register<kInstructions>::Doubles;
+    constexpr std::size_t kBytes = sizeof(Doubles);
+    for (int first = 0; first < kMarkerBlock; first += Register<kInstructions>::kSize) {
+        Doubles statistic[4];
+        Doubles classes;
+        std::memcpy(&statistic[0], in.additive + first, kBytes);
+        std::memcpy(&statistic[1], in.dominant + first, kBytes);
+        std::memcpy(&statistic[2], in.recessive + first, kBytes);
+        std::memcpy(&statistic[3], in.genotype + first, kBytes);
+        std::memcpy(&classes, in.classes + first, kBytes);
+        // Statistics are not negative, so that -1 never is the largest, nor close to it.
+        statistic[3] = select(classes == 2.0, statistic[3], Doubles{} - 1.0);
+        Doubles largest{};
+        for (const Doubles& s : statistic) largest = select(s > largest, s, largest);
+        const Doubles from = lower_end_of_close<Doubles>(largest);
+        Doubles close{};
+        for (const Doubles& s : statistic) close += select(s >= from, Doubles{} + 1.0, Doubles{});
+        std::memcpy(out.largest + first, &largest, kBytes);
+        std::memcpy(out.close + first, &close, kBytes);
+    }
+}
+
+}  // namespace five_model
+
+template <Instructions kInstructions>
+void FiveModelKernel<kInstructions>::compute(const PackedColumns& columns, const int* packed,
+                                             GroupSizes sizes, MarkerBlock& out) {
+    five_model::unpack<kInstructions>(columns, packed, sizes, out.table);
+    five_model::compute_statistics<kInstructions>(out.table, out.statistics);
+    five_model::find_leaders<kInstructions>(out.statistics, out.leaders);
 }
 
 }  // namespace vort

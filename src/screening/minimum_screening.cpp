@@ -20,6 +20,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "numeric/distributions.h"
 
@@ -30,38 +31,33 @@ namespace {
 // Statistics below these have p-values above kSignificant (9.55 and 12.43 give 0.002).
 constexpr double kSignificantFrom[3] = {0, 9.5, 12.4};
 
-constexpr double kMargin = 1e-4;      // of one-degree statistics, absolute and relative
 constexpr double kPairMargin = 1e-3;  // of two-degree statistics
 
 // The statistic on two degrees of freedom that is as improbable as one on a single degree.
 class EquivalentStatistic {
   public:
-    // Beyond this statistic p-values have too few digits left to compare by.
-    static constexpr double kLimit = 40;
-
     EquivalentStatistic() {
         for (int i = 0; i <= kSteps + 1; ++i) {
             value_[i] = -2 * std::log(1 - pchisq(1, i / kStepsOfOne));
         }
     }
 
-    double below(double x) const { return value_[step(x)] - kPairMargin; }
-    double above(double x) const { return value_[step(x) + 1] + kPairMargin; }
+    // A genotype statistic below the first is less significant than x, one above the second more.
+    std::pair<double, double> bounds(double x) const {
+        constexpr double kInfinity = std::numeric_limits<double>::infinity();
+        if (x >= kLimit) return {-kInfinity, kInfinity};
+        const auto step = static_cast<int>(x * kStepsOfOne);
+        return {value_[step] - kPairMargin, value_[step + 1] + kPairMargin};
+    }
 
   private:
+    // Beyond this statistic p-values have too few digits left to compare by.
+    static constexpr double kLimit = 40;
     static constexpr double kStepsOfOne = 32;
     static constexpr int kSteps = static_cast<int>(kLimit * kStepsOfOne);
-    static int step(double x) { return static_cast<int>(x * kStepsOfOne); }
 
     std::array<double, kSteps + 2> value_;
 };
-
-template <typename Models>
-bool any_may_be_significant(const Models& models) {
-    double largest = 0;
-    for (const auto& model : models) largest = std::max(largest, model.statistic);
-    return largest >= kSignificantFrom[1];
-}
 
 const EquivalentStatistic& equivalent_statistic() {
     static const EquivalentStatistic table;
@@ -83,45 +79,36 @@ bool MinimumScreening::fits(GroupSizes sizes) {
     return std::int64_t{4} * sizes.cases * sizes.controls < std::numeric_limits<int>::max();
 }
 
-void MinimumScreening::load_block(const int* packed, int first, int size) {
-    for (int slot = 0; slot < size; ++slot) {
-        const int j = first + slot;
-        const TopCounts& all = counts_.total(j);
-        const TopCounts cases = counts_.cases(j, packed[j]);
-        const int control_missing = all.missing - cases.missing;
-        const int R = sizes_.cases - cases.missing;
-        const int S = sizes_.controls - control_missing;
-        const int b1 = all.one - cases.one;
-        const int b2 = all.two - cases.two;
-        table_.a0[slot] = R - cases.one - cases.two;
-        table_.a1[slot] = cases.one;
-        table_.a2[slot] = cases.two;
-        table_.b0[slot] = S - b1 - b2;
-        table_.b1[slot] = b1;
-        table_.b2[slot] = b2;
-        table_.R[slot] = R;
-        table_.S[slot] = S;
-        const bool drop = cases.missing > limits_.cases || control_missing > limits_.controls;
-        const bool untestable = R == 0 || S == 0;
-        state_[slot] = drop ? State::kDropped : untestable ? State::kUntestable : State::kTested;
-    }
+void MinimumScreening::compute_block(const int* packed, int first, int size) {
+    std::array<int, kMarkerBlock> last{};
+    if (size < kMarkerBlock) std::copy_n(packed + first, size, last.begin());
+    const auto compute =
+        kernel_for(instructions_, []<Instructions I>() { return FiveModelKernel<I>::compute; });
+    compute(counts_.columns(first), size < kMarkerBlock ? last.data() : packed + first, sizes_,
+            block_);
+}
+
+bool MinimumScreening::is_dropped(int slot) const {
+    return sizes_.cases - block_.table.R[slot] > limits_.cases ||
+           sizes_.controls - block_.table.S[slot] > limits_.controls;
 }
 
 MinimumScreening::Models MinimumScreening::models_of(int slot) const {
-    return {{{1, statistics_.additive[slot]},
-             {1, statistics_.dominant[slot]},
-             {1, statistics_.recessive[slot]},
-             {static_cast<int>(statistics_.classes[slot]) - 1, statistics_.genotype[slot]}}};
+    return {{{1, block_.statistics.additive[slot]},
+             {1, block_.statistics.dominant[slot]},
+             {1, block_.statistics.recessive[slot]},
+             {static_cast<int>(block_.statistics.classes[slot]) - 1, block_.statistics.genotype[slot]}}};
 }
 
 // A marker of one genotype has no degree of freedom left, and the p-value 1.
-void MinimumScreening::list_significant(int slot, int marker, const Models& models) {
+void MinimumScreening::list_significant(int slot, int marker) {
+    const Models models = models_of(slot);
     for (int model = 0; model < kModels; ++model) {
         const auto [df, statistic] = models[model];
         if (df < 1 || statistic < kSignificantFrom[df]) continue;
         const double pvalue = 1 - pchisq(df, statistic);
         if (!(pvalue <= kSignificant)) continue;
-        if (state_[slot] == State::kDropped) {
+        if (is_dropped(slot)) {
             ++result_.dropped_significant[model];
         } else {
             result_.significant[model].push_back({marker, pvalue});
@@ -129,62 +116,56 @@ void MinimumScreening::list_significant(int slot, int marker, const Models& mode
     }
 }
 
-void MinimumScreening::queue_candidates(int slot, const Models& models) {
-    const Model& genotype = models[3];
-    double largest = std::max({models[0].statistic, models[1].statistic, models[2].statistic});
-    if (genotype.df == 1) largest = std::max(largest, genotype.statistic);
-    const bool compare = genotype.df == 2 && largest < EquivalentStatistic::kLimit;
-    if (compare && genotype.statistic > equivalent_statistic().above(largest)) {
-        queue_.add(2, genotype.statistic, slot);
+// Which statistic wins cannot be foreseen, so that the usual cases share one way.
+void MinimumScreening::queue_candidates(int slot, int marker) {
+    const auto& [table, statistics, leaders] = block_;
+    const double largest = leaders.largest[slot];
+    const double genotype = statistics.genotype[slot];
+    const auto [below, above] = equivalent_statistic().bounds(largest);
+    const bool two_degrees = statistics.classes[slot] == 3;
+    const bool alone = two_degrees & (genotype > above);
+    queue_.add_if(two_degrees & (genotype >= below), 2, genotype, marker - 1);
+    if (leaders.close[slot] == 1) {
+        queue_.add_if(!alone, 1, largest, marker - 1);
         return;
     }
-    if (genotype.df == 2 &&
-        (!compare || genotype.statistic >= equivalent_statistic().below(largest))) {
-        queue_.add(2, genotype.statistic, slot);
-    }
-    // Which model is the largest cannot be foreseen, but that it stands alone can.
-    const double close = largest - (kMargin + kMargin * largest);
-    int candidates = 0;
-    for (const Model& model : models) {
-        candidates += static_cast<int>(model.df == 1) & static_cast<int>(model.statistic >= close);
-    }
-    if (candidates == 1) return queue_.add(1, largest, slot);
-    for (const Model& model : models) {
-        if (model.df == 1 && model.statistic >= close) queue_.add(1, model.statistic, slot);
+    const double from = lower_end_of_close(largest);
+    for (const Model& model : models_of(slot)) {
+        queue_.add_if(!alone & (model.df == 1) & (model.statistic >= from), 1, model.statistic,
+                      marker - 1);
     }
 }
 
-void MinimumScreening::finish_block(int first, int size) {
-    queue_.take(
-        [this](int slot, double pvalue) { minimum_[slot] = std::min(minimum_[slot], pvalue); });
-    for (int slot = 0; slot < size; ++slot) {
-        const int marker = first + slot + 1;
-        result_.minimum[marker - 1] = {minimum_[slot], marker};
-        if (minimum_[slot] <= kMinimumSignificant) {
-            result_.minimum_significant.push_back({marker, minimum_[slot]});
-        }
+void MinimumScreening::list_minimum_significant() {
+    for (const auto& [pvalue, marker] : result_.minimum) {
+        if (pvalue <= kMinimumSignificant) result_.minimum_significant.push_back({marker, pvalue});
     }
 }
 
 ScreeningResult& MinimumScreening::screen(const int* packed) {
-    const auto compute_statistics =
-        kernel_for(instructions_, []<Instructions I>() { return FiveModelKernel<I>::statistics; });
+    const auto keep_smaller = [this](int column, double pvalue) {
+        double& minimum = result_.minimum[column].key;
+        minimum = std::min(minimum, pvalue);
+    };
     result_.clear();
     result_.minimum.resize(static_cast<std::size_t>(markers_));
     for (int first = 0; first < markers_; first += kMarkerBlock) {
         const int size = std::min(kMarkerBlock, markers_ - first);
-        load_block(packed, first, size);
-        compute_statistics(table_, statistics_);
-        minimum_.fill(1.0);
+        compute_block(packed, first, size);
         for (int slot = 0; slot < size; ++slot) {
-            if (state_[slot] == State::kDropped) ++result_.dropped;
-            if (table_.R[slot] == 0 || table_.S[slot] == 0) continue;
-            const Models models = models_of(slot);
-            if (any_may_be_significant(models)) list_significant(slot, first + slot + 1, models);
-            if (state_[slot] == State::kTested) queue_candidates(slot, models);
+            const int marker = first + slot + 1;
+            result_.minimum[marker - 1] = {1.0, marker};
+            const bool dropped = is_dropped(slot);
+            if (dropped) ++result_.dropped;
+            if (block_.table.R[slot] == 0 || block_.table.S[slot] == 0) continue;
+            const double largest = std::max(block_.leaders.largest[slot], block_.statistics.genotype[slot]);
+            if (largest >= kSignificantFrom[1]) list_significant(slot, marker);
+            if (!dropped) queue_candidates(slot, marker);
         }
-        finish_block(first, size);
+        queue_.take_eights(keep_smaller);
     }
+    queue_.take(keep_smaller);
+    list_minimum_significant();
     return result_;
 }
 

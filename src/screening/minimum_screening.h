@@ -12,11 +12,6 @@
 
 namespace vort {
 
-struct GroupSizes {
-    int cases;
-    int controls;
-};
-
 // Largest numbers of missing genotypes in cases and in controls that a marker is kept with.
 struct MissingLimits {
     int cases;
@@ -41,25 +36,21 @@ class MinimumScreening {
     };
     using Models = std::array<Model, kModels>;
 
-    enum class State : unsigned char { kTested, kDropped, kUntestable };
-
-    void load_block(const int* packed, int first, int size);
+    void compute_block(const int* packed, int first, int size);
+    bool is_dropped(int slot) const;
     Models models_of(int slot) const;
-    void list_significant(int slot, int marker, const Models& models);
-    void queue_candidates(int slot, const Models& models);
-    void finish_block(int first, int size);
+    void list_significant(int slot, int marker);
+    void queue_candidates(int slot, int marker);
+    void list_minimum_significant();
 
     const CountedDataSets& counts_;
     int markers_;
     GroupSizes sizes_;
     MissingLimits limits_;
     Instructions instructions_;
-    ChiSquareQueue queue_;
+    ChiSquareQueue queue_;  // tags are columns, from 0
     ScreeningResult result_;
-    TableBlock table_{};
-    StatisticsBlock statistics_{};
-    std::array<State, kMarkerBlock> state_{};
-    std::array<double, kMarkerBlock> minimum_{};
+    MarkerBlock block_{};
 };
 
 }  // namespace vort

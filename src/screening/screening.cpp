@@ -57,10 +57,18 @@ void print_lists(const ScreeningResult& result) {
 
 void print_ranking(const std::vector<KeyedIndex>& ranked) {
     LineWriter out(std::cout);
-    int k = 0;
+    DecimalDigits k(0);
     for (const auto& [pvalue, marker] : ranked) {
-        out.integer(++k).text(" index=").integer(marker).text(" pvalue=").general(pvalue);
-        out.text(" ref=").integer(marker - 1).end_line();
+        const DecimalDigits ref(marker - 1);
+        k = k.next();
+        out.end(out.begin()
+                    .integer(k)
+                    .text(" index=")
+                    .integer(ref.next())
+                    .text(" pvalue=")
+                    .general(pvalue)
+                    .text(" ref=")
+                    .integer(ref));
     }
 }
 
