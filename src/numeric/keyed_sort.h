@@ -2,26 +2,27 @@
 //
 // An index sort looks every key up through an index, and its comparisons branch on what they find:
 // at half a million keys each look-up is a cache miss and every other branch is predicted wrong.
-// Here key and index move together, and the partition looks ahead without branching: it lists,
-// for a block of elements at each end, the ones that stand on the wrong side of the pivot, and
-// exchanges the k-th of the left list with the k-th of the right one (S. Edelkamp, A. Weiss,
-// "BlockQuicksort", ESA 2016). These are the very pairs that the scans of the plain partition would
-// have stopped at, so the exchanges, and with them the order of equal keys, stay as they are. What
-// remains between the blocks is left to the plain scans.
+// Here key and index move together, and the partition looks ahead without branching: it compares 64
+// elements at each end with the pivot, a register of keys at a time, keeps a bit for each that
+// stands on the wrong side, and exchanges the elements of the k-th bit on the left and the k-th on
+// the right (after S. Edelkamp, A. Weiss, "BlockQuicksort", ESA 2016). These are the very pairs that
+// the scans of the plain partition would have stopped at, so the exchanges, and with them the order
+// of equal keys, stay as they are:
+//
+//     pivot 5:   7 3 5 9 | .. | 2 8 5 6      stops upward 7 5 9, downward 5 2 (from the right)
+//                5 3 2 9 | .. | 5 8 7 6      7 <-> 5, 5 <-> 2; the 9 waits for the next block
 //
 // Keys may be any values but NaN. Cost: n log2(n) comparisons, of 16 bytes an element.
 #pragma once
 
 #include <span>
 
+#include "numeric/instructions.h"
+#include "numeric/keyed_index.h"
+
 namespace vort {
 
-struct KeyedIndex {
-    double key;
-    int index;
-};
-
 // Sorts by key, ascending; equal keys end in the order in which Quickindex leaves them.
-void sort_keyed(std::span<KeyedIndex> items);
+void sort_keyed(std::span<KeyedIndex> items, Instructions instructions = best_instructions());
 
 }  // namespace vort

@@ -42,8 +42,11 @@ TEST(KeyedSort, OrdersTiesAsThePlainIndexSortDoes) {
         }
         std::vector<int> index(key.size());
         Quickindex(key.data(), index.data(), n);
-        sort_keyed(items);
-        for (int i = 1; i <= n; ++i) ASSERT_EQ(items[i - 1].index, index[i]) << "at " << i;
+        for (const Instructions instructions : instruction_sets()) {
+            std::vector<KeyedIndex> sorted = items;
+            sort_keyed(sorted, instructions);
+            for (int i = 1; i <= n; ++i) ASSERT_EQ(sorted[i - 1].index, index[i]) << "at " << i;
+        }
     }
 }
 
