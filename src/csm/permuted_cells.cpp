@@ -33,8 +33,7 @@ PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, 
       cell_count_(static_cast<std::size_t>(cells.ncell) + 1),
       instructions_(best_instructions()),
       labels_(labels_of(yy), instructions_),
-      positions_(n_),
-      lane_positions_(n_ * kLanes),
+      positions_(n_ * kLanes),
       phenotype_(n_ * kLanes),
       sum_(cell_count_.size() * kLanes) {
     if (with_sums) {
@@ -60,17 +59,11 @@ void PermutedCells::draw(int orders) {
 
 // Lanes without an order take the first item that is left.
 void PermutedCells::draw_phenotypes(int orders) {
-    for (int l = 0; l < kLanes; ++l) {
-        if (l < orders) {
-            draw_positions(static_cast<int>(n_), positions_.data());
-        } else {
-            std::fill(positions_.begin(), positions_.end(), 0);
-        }
-        for (std::size_t c = 0; c < n_; ++c) {
-            lane_positions_[c * kLanes + l] = static_cast<std::int16_t>(positions_[c]);
-        }
+    std::fill(positions_.begin() + orders * static_cast<std::ptrdiff_t>(n_), positions_.end(), 0);
+    for (int l = 0; l < orders; ++l) {
+        draw_positions(static_cast<int>(n_), positions_.data() + l * n_);
     }
-    labels_.draw(lane_positions_, value_, phenotype_.data());
+    labels_.draw(positions_, value_, phenotype_.data());
 }
 
 void PermutedCells::sum_cells() {

@@ -12,7 +12,6 @@
 // Cost: for each individual and order a draw of 4 nanoseconds and an addition or two.
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -55,8 +54,7 @@ class PermutedCells {
     std::vector<int> cell_count_;  // elements 1 .. ncell
     Instructions instructions_;
     LabelLanes labels_;
-    std::vector<int> positions_;
-    std::vector<std::int16_t> lane_positions_;
+    std::vector<int> positions_;   // n for each lane
     std::vector<double> phenotype_;  // of each individual, kLanes values, one for each order
     double mean_[kLanes] = {};
     std::vector<double> sum_;  // of each cell, kLanes values

@@ -24,6 +24,9 @@ struct DrawKernel {
     static void positions(const double* x, const double* y, const double* z, int size, int left,
                           int* out);
 
+    // out[c * kLanes + l] = rows[l * n + c], which fits.
+    static void interleave(const int* rows, std::size_t n, std::int16_t* out);
+
     // For each of n draws takes from each lane the item at its position, kLanes positions a draw;
     // out receives value[label], kLanes a draw.
     static void labels(const std::int16_t* positions, std::size_t n, const LabelState& state,

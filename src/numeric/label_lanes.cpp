@@ -22,14 +22,17 @@ LabelLanes::LabelLanes(std::span<const unsigned char> labels, Instructions instr
     }
 }
 
-void LabelLanes::draw(std::span<const std::int16_t> positions, const double (&value)[2],
-                      double* out) {
-    ends_ = full_ends_;
-    left_ = full_words_;
+void LabelLanes::draw(std::span<const int> positions, const double (&value)[2], double* out) {
+    const auto interleave =
+        kernel_for(instructions_, []<Instructions I>() { return DrawKernel<I>::interleave; });
     const auto draw_labels =
         kernel_for(instructions_, []<Instructions I>() { return DrawKernel<I>::labels; });
-    draw_labels(positions.data(), positions.size() / kLanes, {ends_.data(), words_, left_.data()},
-                value, out);
+    const std::size_t n = positions.size() / kLanes;
+    positions_.resize(positions.size());
+    interleave(positions.data(), n, positions_.data());
+    ends_ = full_ends_;
+    left_ = full_words_;
+    draw_labels(positions_.data(), n, {ends_.data(), words_, left_.data()}, value, out);
 }
 
 }  // namespace vort

@@ -34,15 +34,16 @@ class LabelLanes {
     // labels[i] != 0: item i has label 1.
     LabelLanes(std::span<const unsigned char> labels, Instructions instructions);
 
-    // Draws all items of each lane. positions[c * kLanes + l]: where, from 0, the c-th item of lane
-    // l stands among those that the lane has left; out[c * kLanes + l] = value[its label].
-    void draw(std::span<const std::int16_t> positions, const double (&value)[2], double* out);
+    // Draws all n items of each lane. positions[l * n + c]: where, from 0, the c-th item of lane l
+    // stands among those that the lane has left; out[c * kLanes + l] = value[its label].
+    void draw(std::span<const int> positions, const double (&value)[2], double* out);
 
   private:
     static constexpr int kBits = 64;
 
     Instructions instructions_;
     int words_;
+    std::vector<std::int16_t> positions_;  // kLanes a draw
     std::vector<std::int16_t> full_ends_;
     std::vector<std::int16_t> ends_;  // as LabelState has them
     std::vector<std::uint64_t> full_words_;

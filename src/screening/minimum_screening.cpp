@@ -97,7 +97,8 @@ MinimumScreening::Models MinimumScreening::models_of(int slot) const {
     return {{{1, block_.statistics.additive[slot]},
              {1, block_.statistics.dominant[slot]},
              {1, block_.statistics.recessive[slot]},
-             {static_cast<int>(block_.statistics.classes[slot]) - 1, block_.statistics.genotype[slot]}}};
+             {static_cast<int>(block_.statistics.classes[slot]) - 1,
+              block_.statistics.genotype[slot]}}};
 }
 
 // A marker of one genotype has no degree of freedom left, and the p-value 1.
@@ -158,7 +159,8 @@ ScreeningResult& MinimumScreening::screen(const int* packed) {
             const bool dropped = is_dropped(slot);
             if (dropped) ++result_.dropped;
             if (block_.table.R[slot] == 0 || block_.table.S[slot] == 0) continue;
-            const double largest = std::max(block_.leaders.largest[slot], block_.statistics.genotype[slot]);
+            const double largest =
+                std::max(block_.leaders.largest[slot], block_.statistics.genotype[slot]);
             if (largest >= kSignificantFrom[1]) list_significant(slot, marker);
             if (!dropped) queue_candidates(slot, marker);
         }

@@ -84,13 +84,14 @@ TEST(LabelLanes, DrawTheLabelsThatAPoolGives) {
             LabelLanes lanes(labels, instructions);
             for (int round = 0; round < 2; ++round) {
                 std::vector<std::vector<unsigned char>> pool(kLanes, labels);
-                std::vector<std::int16_t> positions;
-                std::vector<double> expected, drawn(n * kLanes);
-                for (std::size_t left = n; left > 0; --left) {
-                    for (auto& items : pool) {
-                        positions.push_back(static_cast<std::int16_t>(random() % left));
-                        expected.push_back(value[items[positions.back()]]);
-                        items.erase(items.begin() + positions.back());
+                std::vector<int> positions(n * kLanes);
+                std::vector<double> expected, drawn(positions.size());
+                for (std::size_t c = 0; c < n; ++c) {
+                    for (std::size_t l = 0; l < kLanes; ++l) {
+                        const auto at = static_cast<int>(random() % (n - c));
+                        positions[l * n + c] = at;
+                        expected.push_back(value[pool[l][at]]);
+                        pool[l].erase(pool[l].begin() + at);
                     }
                 }
                 lanes.draw(positions, value, drawn.data());
