@@ -1,14 +1,12 @@
 // Memory for the few tables that take most of it.
 //
-// A table of hundreds of megabytes is touched page by page for the first time, and each page is a
-// call into the system. Such tables ask for large pages, of which there are five hundred times
-// fewer; a system that has none gives ordinary ones. The elements start as zero, without being
-// written to.
+// The elements start as zero without being written to: the system hands out pages of zeros, each
+// when it is first touched, where a vector would touch every page once more.
 #pragma once
 
-#include <sys/mman.h>
-
+#include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -23,26 +21,20 @@ class LargeArray {
     LargeArray() = default;
 
     // Throws std::bad_alloc where there is not that much memory.
-    explicit LargeArray(std::size_t size) {
-        if (size == 0) return;
-        const std::size_t bytes = size * sizeof(T);
-        void* const memory =
-            ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED) throw std::bad_alloc();
-        data_ = {static_cast<T*>(memory), Unmap{bytes}};
-        ::madvise(memory, bytes, MADV_HUGEPAGE);  // a wish: whether it is granted changes nothing
+    explicit LargeArray(std::size_t size)
+        : data_(static_cast<T*>(std::calloc(std::max<std::size_t>(size, 1), sizeof(T)))) {
+        if (data_ == nullptr) throw std::bad_alloc();
     }
 
     T* data() { return data_.get(); }
     const T* data() const { return data_.get(); }
 
   private:
-    struct Unmap {
-        std::size_t bytes = 0;
-        void operator()(T* memory) const { ::munmap(memory, bytes); }
+    struct Free {
+        void operator()(T* memory) const { std::free(memory); }
     };
 
-    std::unique_ptr<T, Unmap> data_;
+    std::unique_ptr<T, Free> data_;
 };
 
 }  // namespace vort
