@@ -116,10 +116,10 @@ void permuted_labels_fast(benchmark::State& state) {
     for (std::size_t i = 0; i < labels.size(); i += 2) labels[i] = 1;
     LabelLanes lanes(labels, best_instructions());
     std::vector<int> positions(labels.size() * kLanes);
-    std::vector<double> out(positions.size());
+    std::vector<unsigned char> out(labels.size());
     for (auto _ : state) {
         for (int l = 0; l < kLanes; ++l) draw_positions(n, positions.data() + l * n);
-        lanes.draw(positions, {0, 1}, out.data());
+        lanes.draw(positions, out.data());
         benchmark::DoNotOptimize(out.data());
     }
     count_items(state, std::int64_t{kLanes} * n);

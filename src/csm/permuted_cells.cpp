@@ -34,7 +34,7 @@ PermutedCells::PermutedCells(const SetCells& cells, std::span<const double> yy, 
       instructions_(best_instructions()),
       labels_(labels_of(yy), instructions_),
       positions_(n_ * kLanes),
-      phenotype_(n_ * kLanes),
+      label_(n_),
       sum_(cell_count_.size() * kLanes) {
     if (with_sums) {
         const auto [low, high] = std::minmax_element(yy.begin(), yy.end());
@@ -63,18 +63,19 @@ void PermutedCells::draw_phenotypes(int orders) {
     for (int l = 0; l < orders; ++l) {
         draw_positions(static_cast<int>(n_), positions_.data() + l * n_);
     }
-    labels_.draw(positions_, value_, phenotype_.data());
+    labels_.draw(positions_, label_.data());
 }
 
 void PermutedCells::sum_cells() {
+    const PermutedPhenotype phenotype{label_.data(), {value_[0], value_[1]}};
     if (with_sums_) {
         const auto mean =
             kernel_for(instructions_, []<Instructions I>() { return CellSumKernel<I>::mean; });
-        mean(phenotype_.data(), member_.data(), static_cast<int>(member_.size()), mean_);
+        mean(phenotype, member_.data(), static_cast<int>(member_.size()), mean_);
     }
     const auto sums =
         kernel_for(instructions_, []<Instructions I>() { return CellSumKernel<I>::sums; });
-    sums(phenotype_.data(), by_cell_.data(), cell_count_.data(), ncell(), mean_, sum_.data());
+    sums(phenotype, by_cell_.data(), cell_count_.data(), ncell(), mean_, sum_.data());
 }
 
 void PermutedCells::describe(int l, double* sum, int* cases) const {

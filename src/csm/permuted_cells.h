@@ -54,8 +54,8 @@ class PermutedCells {
     std::vector<int> cell_count_;  // elements 1 .. ncell
     Instructions instructions_;
     LabelLanes labels_;
-    std::vector<int> positions_;   // n for each lane
-    std::vector<double> phenotype_;  // of each individual, kLanes values, one for each order
+    std::vector<int> positions_;        // n for each lane
+    std::vector<unsigned char> label_;  // of each individual, a bit for each order
     double mean_[kLanes] = {};
     std::vector<double> sum_;  // of each cell, kLanes values
 };

@@ -28,9 +28,9 @@ struct DrawKernel {
     static void interleave(const int* rows, std::size_t n, std::int16_t* out);
 
     // For each of n draws takes from each lane the item at its position, kLanes positions a draw;
-    // out receives value[label], kLanes a draw.
+    // bit l of out[c] is the label of the c-th item of lane l.
     static void labels(const std::int16_t* positions, std::size_t n, const LabelState& state,
-                       const double* value, double* out);
+                       unsigned char* out);
 };
 
 }  // namespace vort

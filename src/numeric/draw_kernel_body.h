@@ -108,7 +108,7 @@ void DrawKernel<kInstructions>::interleave(const int* rows, std::size_t n, std::
 
 template <Instructions kInstructions>
 void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_t n,
-                                       const LabelState& state, const double* value, double* out) {
+                                       const LabelState& state, unsigned char* out) {
     using Counts = drawing::Counts<kInstructions>;
     using Register = typename Counts::Type;
     std::int16_t* const ends = state.ends;
@@ -116,7 +116,7 @@ void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_
     std::int16_t* const first_end = ends + kLanes;
     std::int16_t* const last_end = first_end + state.words * kLanes;
     const auto all_words = static_cast<std::int16_t>(state.words);
-    for (std::size_t c = 0; c < n; ++c, positions += kLanes, out += kLanes) {
+    for (std::size_t c = 0; c < n; ++c, positions += kLanes) {
         Register position;
         Counts::load(positions, position);
         Register above{};  // -1 for each end above the position
@@ -132,6 +132,7 @@ void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_
         const drawing::Lanes places = (Counts::folded(above) + all_words) * kLanes + drawing::kLane;
         std::uint64_t place[2];  // four lanes each
         std::memcpy(place, &places, sizeof place);
+        std::uint64_t taken = 0;
         for (int l = 0; l < kLanes; ++l) {
             const std::size_t at = place[l / 4] >> (16 * (l % 4)) & 0xFFFF;
             const int bit = positions[l] - ends[at];
@@ -139,8 +140,9 @@ void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_
             const std::uint64_t from_here = word >> bit;
             const std::uint64_t before = word & ((std::uint64_t{1} << bit) - 1);
             words[at] = before | from_here >> 1 << bit;
-            out[l] = value[from_here & 1];
+            taken |= (from_here & 1) << l;
         }
+        out[c] = static_cast<unsigned char>(taken);
     }
 }
 

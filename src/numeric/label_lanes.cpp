@@ -22,7 +22,7 @@ LabelLanes::LabelLanes(std::span<const unsigned char> labels, Instructions instr
     }
 }
 
-void LabelLanes::draw(std::span<const int> positions, const double (&value)[2], double* out) {
+void LabelLanes::draw(std::span<const int> positions, unsigned char* out) {
     const auto interleave =
         kernel_for(instructions_, []<Instructions I>() { return DrawKernel<I>::interleave; });
     const auto draw_labels =
@@ -32,7 +32,7 @@ void LabelLanes::draw(std::span<const int> positions, const double (&value)[2], 
     interleave(positions.data(), n, positions_.data());
     ends_ = full_ends_;
     left_ = full_words_;
-    draw_labels(positions_.data(), n, {ends_.data(), words_, left_.data()}, value, out);
+    draw_labels(positions_.data(), n, {ends_.data(), words_, left_.data()}, out);
 }
 
 }  // namespace vort

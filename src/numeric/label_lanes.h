@@ -35,8 +35,8 @@ class LabelLanes {
     LabelLanes(std::span<const unsigned char> labels, Instructions instructions);
 
     // Draws all n items of each lane. positions[l * n + c]: where, from 0, the c-th item of lane l
-    // stands among those that the lane has left; out[c * kLanes + l] = value[its label].
-    void draw(std::span<const int> positions, const double (&value)[2], double* out);
+    // stands among those that the lane has left; bit l of out[c] is its label.
+    void draw(std::span<const int> positions, unsigned char* out);
 
   private:
     static constexpr int kBits = 64;
