@@ -155,14 +155,14 @@ template <Instructions kInstructions>
 void ChiSquareKernel<kInstructions>::series(double a, double gln, const double* x, int size,
                                             double* tail) {
     chi_square::upper_tails<kInstructions, chi_square::Series<kInstructions>>(a, gln, x, size,
-                                                                               tail);
+                                                                              tail);
 }
 
 template <Instructions kInstructions>
 void ChiSquareKernel<kInstructions>::fraction(double a, double gln, const double* x, int size,
                                               double* tail) {
     chi_square::upper_tails<kInstructions, chi_square::Fraction<kInstructions>>(a, gln, x, size,
-                                                                                 tail);
+                                                                                tail);
 }
 
 }  // namespace vort

@@ -4,8 +4,8 @@
 // each waiting for the one before. Eight statistics run it side by side here, each until its own
 // iteration ends: a lane that has converged keeps its sum while the others go on, so every lane
 // takes the very steps of the plain form. Logarithm and exponential stay those of the C library, a
-// lane at a time. Statistics wait in four lines, by their degrees of freedom and by which of the two
-// expansions they need; what does not fill eight lanes may go on waiting for more.
+// lane at a time. Statistics wait in four lines, by their degrees of freedom and by which of the
+// two expansions they need; what does not fill eight lanes may go on waiting for more.
 //
 // Cost: that of the slowest of eight statistics, and two calls of the C library for each.
 #pragma once

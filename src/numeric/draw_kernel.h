@@ -10,10 +10,8 @@ namespace vort {
 
 // What is left of kLanes copies of the same labels; see label_lanes.h.
 struct LabelState {
-    // Labels up to the end of each word, kLanes counts for a word. A row of zeros stands before the
-    // first word, one behind the last where that makes the number of words even.
-    std::int16_t* ends;
-    int words;            // without those rows
+    std::int16_t* ends;   // labels up to the end of each word, kLanes counts for a word
+    int words;            // an even number
     std::uint64_t* word;  // kLanes words for each 64 labels
 };
 

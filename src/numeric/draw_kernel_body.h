@@ -27,8 +27,9 @@ struct Counts<Instructions::kPortable> {
         std::memcpy(&to, from, sizeof to);
     }
 
-    // The sum over the words of a register.
-    [[gnu::always_inline]] static Lanes folded(const Type& counts) { return counts; }
+    // The counts of the first and of the last word of a register.
+    [[gnu::always_inline]] static Lanes first(const Type& counts) { return counts; }
+    [[gnu::always_inline]] static Lanes last(const Type&) { return Lanes{}; }
 };
 
 template <>
@@ -42,9 +43,11 @@ struct Counts<Instructions::kWide> {
         to = __builtin_shufflevector(once, once, 0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7);
     }
 
-    [[gnu::always_inline]] static Lanes folded(const Type& counts) {
-        return __builtin_shufflevector(counts, counts, 0, 1, 2, 3, 4, 5, 6, 7) +
-               __builtin_shufflevector(counts, counts, 8, 9, 10, 11, 12, 13, 14, 15);
+    [[gnu::always_inline]] static Lanes first(const Type& counts) {
+        return __builtin_shufflevector(counts, counts, 0, 1, 2, 3, 4, 5, 6, 7);
+    }
+    [[gnu::always_inline]] static Lanes last(const Type& counts) {
+        return __builtin_shufflevector(counts, counts, 8, 9, 10, 11, 12, 13, 14, 15);
     }
 };
 
@@ -106,43 +109,75 @@ void DrawKernel<kInstructions>::interleave(const int* rows, std::size_t n, std::
     }
 }
 
+namespace drawing {
+
+// Where the items of a few draws are: the word, as its place among all lanes' words, and the bit.
+struct Places {
+    static constexpr std::size_t kDraws = 32;
+
+    std::uint16_t word[kDraws * kLanes];
+    std::uint16_t bit[kDraws * kLanes];
+};
+
+// Finds the items, and moves the ends of the words as if they had been taken.
+template <Instructions kInstructions>
+[[gnu::always_inline]] inline void find_items(const std::int16_t* positions, std::size_t draws,
+                                              const LabelState& state, Places& out) {
+    using Counts = drawing::Counts<kInstructions>;
+    using Register = typename Counts::Type;
+    std::int16_t* const last_end = state.ends + state.words * kLanes;
+    const auto words = static_cast<std::int16_t>(state.words);
+    for (std::size_t c = 0; c < draws; ++c) {
+        Register position;
+        Counts::load(positions + c * kLanes, position);
+        Register above{};   // -1 for each end above the position
+        Register before{};  // the last end that is not
+        for (std::int16_t* at = state.ends; at < last_end; at += Counts::kWords * kLanes) {
+            Register end;
+            std::memcpy(&end, at, sizeof end);
+            const Register behind = end > position;
+            before = behind ? before : end;
+            above += behind;
+            end += behind;
+            std::memcpy(at, &end, sizeof end);
+        }
+        const Lanes one = Counts::first(before);
+        const Lanes other = Counts::last(before);
+        const Lanes bit = Counts::first(position) - (one > other ? one : other);
+        const Lanes word = Counts::first(above) + Counts::last(above) + words;
+        const Lanes place = word * kLanes + kLane;
+        std::memcpy(out.bit + c * kLanes, &bit, sizeof bit);
+        std::memcpy(out.word + c * kLanes, &place, sizeof place);
+    }
+}
+
+// Takes the item of lane l from its word; returns its label.
+[[gnu::always_inline]] inline std::uint64_t take(std::uint64_t& word, int bit) {
+    const std::uint64_t from_here = word >> bit;
+    const std::uint64_t before = word & ((std::uint64_t{1} << bit) - 1);
+    word = before | from_here >> 1 << bit;
+    return from_here & 1;
+}
+
+}  // namespace drawing
+
+// Finding an item takes many steps, each waiting for the one before, so that the items of several
+// draws are found before any is taken: the draws then overlap.
 template <Instructions kInstructions>
 void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_t n,
                                        const LabelState& state, unsigned char* out) {
-    using Counts = drawing::Counts<kInstructions>;
-    using Register = typename Counts::Type;
-    std::int16_t* const ends = state.ends;
-    std::uint64_t* const words = state.word;
-    std::int16_t* const first_end = ends + kLanes;
-    std::int16_t* const last_end = first_end + state.words * kLanes;
-    const auto all_words = static_cast<std::int16_t>(state.words);
-    for (std::size_t c = 0; c < n; ++c, positions += kLanes) {
-        Register position;
-        Counts::load(positions, position);
-        Register above{};  // -1 for each end above the position
-        for (std::int16_t* end = first_end; end < last_end; end += Counts::kWords * kLanes) {
-            Register end_of_word;
-            std::memcpy(&end_of_word, end, sizeof end_of_word);
-            const Register behind = end_of_word > position;
-            end_of_word += behind;
-            std::memcpy(end, &end_of_word, sizeof end_of_word);
-            above += behind;
+    drawing::Places places;
+    for (std::size_t first = 0; first < n; first += drawing::Places::kDraws) {
+        const std::size_t draws = n - first < drawing::Places::kDraws ? n - first : places.kDraws;
+        drawing::find_items<kInstructions>(positions + first * kLanes, draws, state, places);
+        for (std::size_t c = 0; c < draws; ++c) {
+            std::uint64_t taken = 0;
+            for (std::size_t l = 0; l < kLanes; ++l) {
+                const std::size_t k = c * kLanes + l;
+                taken |= drawing::take(state.word[places.word[k]], places.bit[k]) << l;
+            }
+            out[first + c] = static_cast<unsigned char>(taken);
         }
-        // Where the lane's word, and the end of the one before it, are to be found.
-        const drawing::Lanes places = (Counts::folded(above) + all_words) * kLanes + drawing::kLane;
-        std::uint64_t place[2];  // four lanes each
-        std::memcpy(place, &places, sizeof place);
-        std::uint64_t taken = 0;
-        for (int l = 0; l < kLanes; ++l) {
-            const std::size_t at = place[l / 4] >> (16 * (l % 4)) & 0xFFFF;
-            const int bit = positions[l] - ends[at];
-            const std::uint64_t word = words[at];
-            const std::uint64_t from_here = word >> bit;
-            const std::uint64_t before = word & ((std::uint64_t{1} << bit) - 1);
-            words[at] = before | from_here >> 1 << bit;
-            taken |= (from_here & 1) << l;
-        }
-        out[c] = static_cast<unsigned char>(taken);
     }
 }
 

@@ -5,9 +5,9 @@
 // Here key and index move together, and the partition looks ahead without branching: it compares 64
 // elements at each end with the pivot, a register of keys at a time, keeps a bit for each that
 // stands on the wrong side, and exchanges the elements of the k-th bit on the left and the k-th on
-// the right (after S. Edelkamp, A. Weiss, "BlockQuicksort", ESA 2016). These are the very pairs that
-// the scans of the plain partition would have stopped at, so the exchanges, and with them the order
-// of equal keys, stay as they are:
+// the right (after S. Edelkamp, A. Weiss, "BlockQuicksort", ESA 2016). These are the very pairs
+// that the scans of the plain partition would have stopped at, so the exchanges, and with them the
+// order of equal keys, stay as they are:
 //
 //     pivot 5:   7 3 5 9 | .. | 2 8 5 6      stops upward 7 5 9, downward 5 2 (from the right)
 //                5 3 2 9 | .. | 5 8 7 6      7 <-> 5, 5 <-> 2; the 9 waits for the next block

@@ -6,10 +6,13 @@
 
 namespace vort {
 
+// The widest instructions compare into registers of their own, which a chain of comparisons as long
+// as this one pays for.
 LabelLanes::LabelLanes(std::span<const unsigned char> labels, Instructions instructions)
-    : instructions_(instructions), words_(static_cast<int>((labels.size() + kBits - 1) / kBits)) {
+    : instructions_(std::min(instructions, Instructions::kWide)),
+      words_(static_cast<int>((labels.size() + 2 * kBits - 1) / (2 * kBits)) * 2) {
     const auto words = static_cast<std::size_t>(words_);
-    full_ends_.resize((1 + words + words % 2) * kLanes);
+    full_ends_.resize(words * kLanes);
     full_words_.resize(words * kLanes);
     for (std::size_t w = 0; w < words; ++w) {
         const std::size_t end = std::min(labels.size(), (w + 1) * kBits);
@@ -17,7 +20,7 @@ LabelLanes::LabelLanes(std::span<const unsigned char> labels, Instructions instr
         for (std::size_t i = w * kBits; i < end; ++i) {
             if (labels[i] != 0) word |= std::uint64_t{1} << (i % kBits);
         }
-        std::fill_n(full_ends_.begin() + (w + 1) * kLanes, kLanes, static_cast<std::int16_t>(end));
+        std::fill_n(full_ends_.begin() + w * kLanes, kLanes, static_cast<std::int16_t>(end));
         std::fill_n(full_words_.begin() + w * kLanes, kLanes, word);
     }
 }

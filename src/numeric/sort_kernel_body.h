@@ -131,8 +131,7 @@ struct Range {
 // the scans stop for good. An element that one scan put in place stops the other one there.
 template <Instructions kInstructions, int kSize>
 [[gnu::always_inline]] inline Scans exchange_rest(Scans scans, KeyedIndex* window, double pivot) {
-    const std::uint64_t between =
-        first_bits(scans.j - window) & ~first_bits(scans.i - window + 1);
+    const std::uint64_t between = first_bits(scans.j - window) & ~first_bits(scans.i - window + 1);
     std::uint64_t low = stops<kInstructions, Scan::kUpward, kSize>(window, pivot) & between;
     std::uint64_t high = stops<kInstructions, Scan::kDownward, kSize>(window, pivot) & between;
     while (low != 0 && high != 0) {
@@ -234,10 +233,11 @@ template <Instructions kInstructions>
     const double key = pivot[0];
     const Scans start{lo + 1, hi};
     const auto window = [=](int size) { return higher(first, hi - (size - 1)); };
-    const auto [i, j] = range.gap() < 16   ? exchange_rest<kInstructions, 16>(start, window(16), key)
-                        : range.gap() < 32 ? exchange_rest<kInstructions, 32>(start, window(32), key)
-                        : range.gap() < 64 ? exchange_rest<kInstructions, 64>(start, window(64), key)
-                                           : exchange_all<kInstructions>(start, range, key);
+    const auto [i, j] =
+        range.gap() < 16   ? exchange_rest<kInstructions, 16>(start, window(16), key)
+        : range.gap() < 32 ? exchange_rest<kInstructions, 32>(start, window(32), key)
+        : range.gap() < 64 ? exchange_rest<kInstructions, 64>(start, window(64), key)
+                           : exchange_all<kInstructions>(start, range, key);
     exchange(lo + 1, j);
     return {{lo, j - 1}, {i, hi}};
 }
