@@ -189,8 +189,10 @@ class CSM {
     Records score_observed(int k, int c, const SetCells& cells, ScoreTable& table);
     void score_orders_one_by_one(int k, const SetCells& cells, ScoreTable& table);
     void score_orders_in_lanes(int k, const SetCells& cells, ScoreTable& table);
-    void score_permuted_order(int k, const PermutedCells& permuted, int l, int r,
-                              ScoreTable& table) const;
+    void score_permuted_set(const PermutedCells& permuted, int orders, int r,
+                            ScoreTable& table) const;
+    void score_permuted_marker(const PermutedCells& permuted, int l, int r,
+                               ScoreTable& table) const;
 
     std::vector<bitset> missing_storage_;
 };

@@ -14,9 +14,9 @@
 #include <iostream>
 
 #include "common/end_program.h"
-#include "csm/cell_clustering.h"
 #include "csm/csm.h"
 #include "csm/kmeans.h"
+#include "csm/one_marker_clustering.h"
 #include "numeric/distributions.h"
 
 namespace vort {
@@ -103,9 +103,10 @@ void CSM::OneMarkerCluster(double* /*sums*/, int* case_count, int* control_count
                      g, group_of_cell);
 }
 
-void cluster_by_mean(const double* cell_sum, const int* cell_count, const double* mean,
-                     int* group_of_cell, int ncell, int g) {
-    kmeans_on_a_line(mean, ncell, group_of_cell, g, [&](double* centre) {
+void CSM::cluster(double* cell_sum, int* cell_count, int* group_of_cell, int ncell, int g) {
+    std::array<double, kMostCells + 1> mean{};
+    for (int c = 1; c <= ncell; ++c) mean[c] = cell_count[c] < 1 ? 0 : cell_sum[c] / cell_count[c];
+    kmeans_on_a_line(mean.data(), ncell, group_of_cell, g, [&](double* centre) {
         std::array<double, kMostCells + 1> sum{};
         std::array<int, kMostCells + 1> count{};
         for (int c = 1; c <= ncell; ++c) {
@@ -114,12 +115,6 @@ void cluster_by_mean(const double* cell_sum, const int* cell_count, const double
         }
         for (int j = 1; j <= g; ++j) centre[j] = count[j] == 0 ? 0.0 : sum[j] / count[j];
     });
-}
-
-void CSM::cluster(double* cell_sum, int* cell_count, int* group_of_cell, int ncell, int g) {
-    std::array<double, kMostCells + 1> mean{};
-    for (int c = 1; c <= ncell; ++c) mean[c] = cell_count[c] < 1 ? 0 : cell_sum[c] / cell_count[c];
-    cluster_by_mean(cell_sum, cell_count, mean.data(), group_of_cell, ncell, g);
 }
 
 }  // namespace vort

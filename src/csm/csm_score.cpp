@@ -21,9 +21,10 @@
 #include <vector>
 
 #include "common/end_program.h"
-#include "csm/cell_clustering.h"
+#include "csm/cluster_kernel.h"
 #include "csm/csm.h"
 #include "csm/globals.h"
+#include "csm/one_marker_clustering.h"
 #include "csm/permuted_cells.h"
 #include "csm/score_table.h"
 #include "csm/set_cells.h"
@@ -195,44 +196,51 @@ void CSM::score_orders_one_by_one(int k, const SetCells& cells, ScoreTable& tabl
     std::copy(saved.begin(), saved.end(), yy.data() + 1);
 }
 
-// A case-control phenotype under the clusterings in use: eight orders at a time, and what does not
-// depend on g once for each order.
+// A case-control phenotype under the clusterings in use, eight orders at a time.
 void CSM::score_orders_in_lanes(int k, const SetCells& cells, ScoreTable& table) {
     const std::span<const double> phenotype(yy.data() + 1, static_cast<std::size_t>(Sample_size));
     PermutedCells permuted(cells, phenotype, k > 1);
     for (int r = 1; r <= kOrders; r += kLanes) {
         const int orders = std::min(kLanes, kOrders + 1 - r);
         permuted.draw(orders);
-        for (int l = 0; l < orders; ++l) score_permuted_order(k, permuted, l, r + l, table);
+        if (k > 1) {
+            score_permuted_set(permuted, orders, r, table);
+        } else {
+            for (int l = 0; l < orders; ++l) score_permuted_marker(permuted, l, r + l, table);
+        }
     }
 }
 
-void CSM::score_permuted_order(int k, const PermutedCells& permuted, int l, int r,
-                               ScoreTable& table) const {
-    const int ncell = permuted.ncell();
-    const int* const size = permuted.cell_count().data();
-    CellArray<double> sum{};
+// Orders r, r + 1 and so on.
+void CSM::score_permuted_set(const PermutedCells& permuted, int orders, int r,
+                             ScoreTable& table) const {
+    std::array<double, kMostGroups * kLanes> statistic;
+    const auto compute = kernel_for(best_instructions(),
+                                    []<Instructions I>() { return ClusterKernel<I>::statistics; });
+    PermutedCellSums sums = permuted.sums();
+    sums.cases = case_num;
+    sums.controls = Sample_size - case_num;
+    compute(sums, table.gmax(), statistic.data());
+    for (int g = 2; g <= table.gmax(); ++g) {
+        for (int l = 0; l < orders; ++l) table.at(r + l, g) = statistic[(g - 2) * kLanes + l];
+    }
+}
+
+void CSM::score_permuted_marker(const PermutedCells& permuted, int l, int r,
+                                ScoreTable& table) const {
     CellArray<int> cases{};
     CellArray<int> controls{};
-    CellArray<double> mean{};
-    permuted.describe(l, sum.data(), cases.data());
-    for (int c = 1; c <= ncell; ++c) {
-        controls[c] = size[c] - cases[c];
-        mean[c] = sum[c] / size[c];
-    }
-    OneMarkerTests tests{};
-    if (k == 1) {
-        tests = test_one_marker(cases.data(), controls.data(), case_num, Sample_size - case_num);
-    }
     CellArray<int> group{};
+    permuted.count_cases(l, cases.data());
+    for (int c = 1; c <= permuted.ncell(); ++c) {
+        controls[c] = permuted.cell_count()[c] - cases[c];
+    }
+    const OneMarkerTests tests =
+        test_one_marker(cases.data(), controls.data(), case_num, Sample_size - case_num);
     for (int g = 2; g <= table.gmax(); ++g) {
-        if (k == 1) {
-            group_one_marker(tests, g, group.data());
-        } else {
-            cluster_by_mean(sum.data(), size, mean.data(), group.data(), ncell, g);
-        }
+        group_one_marker(tests, g, group.data());
         Counts groups;
-        for (int c = 1; c <= ncell; ++c) {
+        for (int c = 1; c <= permuted.ncell(); ++c) {
             groups.cases[group[c]] += cases[c];
             groups.controls[group[c]] += controls[c];
         }

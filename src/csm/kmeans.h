@@ -5,10 +5,9 @@
 #include <array>
 #include <cmath>
 
-namespace vort {
+#include "csm/kmeans_limits.h"
 
-// More cells than a set of three markers has.
-constexpr int kMostCells = 27;
+namespace vort {
 
 // The centre nearest to a value, 1 .. g; ties go to the lowest.
 inline int nearest_centre(double value, const double* centre, int g) {
@@ -30,7 +29,6 @@ inline int nearest_centre(double value, const double* centre, int g) {
 template <typename MoveCentres>
 void kmeans_on_a_line(const double* value, int ncell, int* group_of_cell, int g,
                       MoveCentres move_centres) {
-    constexpr int kMostPasses = 99;
     const auto [min, max] = std::minmax_element(value + 1, value + ncell + 1);
     const double spread = *max - *min;
     std::array<double, kMostCells + 1> centre;

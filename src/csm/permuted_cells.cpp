@@ -78,13 +78,12 @@ void PermutedCells::sum_cells() {
     sums(phenotype, by_cell_.data(), cell_count_.data(), ncell(), mean_, sum_.data());
 }
 
-void PermutedCells::describe(int l, double* sum, int* cases) const {
-    const double control = value_[0] - mean_[l];
-    const double step = value_[1] - value_[0];
-    for (std::size_t c = 1; c < cell_count_.size(); ++c) {
-        sum[c] = sum_[c * kLanes + l];
-        cases[c] = static_cast<int>((sum[c] - cell_count_[c] * control) / step + 0.5);
-    }
+PermutedCellSums PermutedCells::sums() const {
+    return {ncell(), cell_count_.data(), sum_.data(), mean_, {value_[0], value_[1]}, 0, 0};
+}
+
+void PermutedCells::count_cases(int l, int* cases) const {
+    for (int c = 1; c <= ncell(); ++c) cases[c] = static_cast<int>(sum_[c * kLanes + l]);
 }
 
 }  // namespace vort

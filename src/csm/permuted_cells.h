@@ -6,15 +6,13 @@
 // bytes that it would have alone. The individuals are listed cell by cell, so that a cell's eight
 // sums stay in registers.
 //
-// A sum of a's and b's is within rounding of cases * a + controls * b, which tells how many cases
-// it holds: they are not counted a second time.
-//
 // Cost: for each individual and order a draw of 4 nanoseconds and an addition or two.
 #pragma once
 
 #include <span>
 #include <vector>
 
+#include "csm/cluster_kernel.h"
 #include "csm/set_cells.h"
 #include "numeric/label_lanes.h"
 #include "numeric/lanes.h"
@@ -33,9 +31,12 @@ class PermutedCells {
     // Draws the next `orders` orders, at most kLanes; they take n draws of the generator each.
     void draw(int orders);
 
-    // The cells 1 .. ncell under the l-th of these orders: sums of (phenotype - mean over all
-    // cells), or of cases where only counts are wanted, and numbers of cases.
-    void describe(int l, double* sum, int* cases) const;
+    // The cells under these orders, where the sums are wanted; valid until the next draw. The sizes
+    // of the groups are left to the caller.
+    PermutedCellSums sums() const;
+
+    // Numbers of cases in cells 1 .. ncell under the l-th of these orders, where only counts are.
+    void count_cases(int l, int* cases) const;
 
     int ncell() const { return static_cast<int>(cell_count_.size()) - 1; }
 

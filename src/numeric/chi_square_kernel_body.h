@@ -33,11 +33,6 @@ struct Vectors {
         std::memcpy(to, from, sizeof to);
     }
 
-    [[gnu::always_inline]] static Doubles magnitude(const Doubles& x) {
-        constexpr std::int64_t kAllButSign = 0x7FFFFFFFFFFFFFFF;
-        return reinterpret_cast<Doubles>(reinterpret_cast<Mask>(x) & kAllButSign);
-    }
-
     [[gnu::always_inline]] static Doubles away_from_zero(const Doubles& x) {
         return select(magnitude(x) < kSmallest, Doubles{} + kSmallest, x);
     }
@@ -72,7 +67,7 @@ class Series {
         for (int v = 0; v < V::kRegisters; ++v) {
             term_[v] *= point_[v] / denominator_;
             value[v] = select(going[v], value[v] + term_[v], value[v]);
-            going[v] &= ~(V::magnitude(term_[v]) < V::magnitude(value[v]) * kAccuracy);
+            going[v] &= ~(magnitude(term_[v]) < magnitude(value[v]) * kAccuracy);
         }
     }
 
@@ -111,7 +106,7 @@ class Fraction {
             c_[v] = V::away_from_zero(b_[v] + an / c_[v]);
             const typename V::Doubles factor = d_[v] * c_[v];
             value[v] = select(going[v], value[v] * factor, value[v]);
-            going[v] &= ~(V::magnitude(factor - 1.0) < kAccuracy);
+            going[v] &= ~(magnitude(factor - 1.0) < kAccuracy);
         }
     }
 

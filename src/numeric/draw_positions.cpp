@@ -1,6 +1,7 @@
 #include "numeric/draw_positions.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "numeric/draw_kernel.h"
@@ -15,14 +16,16 @@ class Cycle {
   public:
     Cycle(int factor, int modulus, int first) : modulus_(modulus), place_(modulus, kNowhere) {
         for (int state = first; place_[state] == kNowhere; state = factor * state % modulus) {
-            place_[state] = static_cast<int>(quotient_.size());
+            place_[state] = static_cast<std::uint16_t>(quotient_.size());
             quotient_.push_back(state / static_cast<double>(modulus));
-            state_.push_back(state);
+            state_.push_back(static_cast<std::uint16_t>(state));
         }
     }
 
-    // Where on the cycle a state is; kNowhere where it is not on it.
-    int place_of(int state) const {
+    // Where on the cycle a state is; kNowhere where it is not on it. `guess` may be the place,
+    // which saves a look at a part of the table that no cache has.
+    int place_of(int state, int guess) const {
+        if (state_[guess] == state) return guess;
         return state >= 0 && state < modulus_ ? place_[state] : kNowhere;
     }
     int next(int place) const { return place + 1 == length() ? 0 : place + 1; }
@@ -30,12 +33,12 @@ class Cycle {
     int state(int place) const { return state_[place]; }
     const double* quotients(int place) const { return quotient_.data() + place; }
 
-    static constexpr int kNowhere = -1;
+    static constexpr int kNowhere = 0xFFFF;  // no modulus is as large
 
   private:
     int modulus_;
-    std::vector<int> place_;
-    std::vector<int> state_;
+    std::vector<std::uint16_t> place_;
+    std::vector<std::uint16_t> state_;
     std::vector<double> quotient_;
 };
 
@@ -59,9 +62,10 @@ void draw_one_by_one(int n, int* out) {
 void draw_positions(int n, int* out) {
     if (n < 1) return;
     const Cycles& all = cycles();
-    int x = all.x.place_of(RX);
-    int y = all.y.place_of(RY);
-    int z = all.z.place_of(RZ);
+    static int last_x = 0, last_y = 0, last_z = 0;  // where the last call ended
+    int x = all.x.place_of(RX, last_x);
+    int y = all.y.place_of(RY, last_y);
+    int z = all.z.place_of(RZ, last_z);
     if (x == Cycle::kNowhere || y == Cycle::kNowhere || z == Cycle::kNowhere) {
         return draw_one_by_one(n, out);
     }
@@ -81,6 +85,9 @@ void draw_positions(int n, int* out) {
         y += size - 1;
         z += size - 1;
     }
+    last_x = x;
+    last_y = y;
+    last_z = z;
     RX = all.x.state(x);
     RY = all.y.state(y);
     RZ = all.z.state(z);

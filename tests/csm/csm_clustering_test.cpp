@@ -1,4 +1,10 @@
 // Cells into groups, all by hand. Cells and groups are numbered from 1.
+#include <algorithm>
+#include <random>
+
+#include "csm/cluster_kernel.h"
+#include "csm/kmeans_limits.h"
+#include "numeric/lanes.h"
 #include "support/builder_study.h"
 
 namespace vort::testing {
@@ -41,6 +47,83 @@ TEST_F(CsmClustering, KmeansOnCellMeans) {
         std::vector<int> groups(sum.size());
         csm_->cluster(sum.data(), count.data(), groups.data(), static_cast<int>(c.sum.size()), c.g);
         EXPECT_EQ(groups, from_one(c.groups)) << c.name;
+    }
+}
+
+// Random cells under kLanes random orders, as the permuted orders of a score come.
+struct LaneStudy {
+    explicit LaneStudy(unsigned seed) : random(seed) {
+        const int ncell = 2 + static_cast<int>(random() % (seed % 10 == 0 ? kMostCells - 1 : 8));
+        for (int c = 1; c <= ncell; ++c) size.push_back(1 + static_cast<int>(random() % 40));
+        sum.resize(size.size() * kLanes);
+        cases.resize(sum.size());
+        const double value[2] = {-0.25, 0.75};
+        for (int l = 0; l < kLanes; ++l) {
+            std::vector<double> y;
+            for (int c = 1; c <= ncell; ++c) {
+                for (int i = 0; i < size[c]; ++i) y.push_back(value[random() % 3 == 0]);
+            }
+            double total = 0;
+            for (const double each : y) total += each;
+            mean[l] = total / static_cast<double>(y.size());
+            for (std::size_t c = 1, i = 0; c < size.size(); ++c) {
+                for (const std::size_t end = i + size[c]; i < end; ++i) {
+                    sum[c * kLanes + l] += y[i] - mean[l];
+                    cases[c * kLanes + l] += y[i] > 0;
+                }
+            }
+        }
+        cells = {ncell, size.data(), sum.data(), mean, {value[0], value[1]}, 97, 211};
+    }
+
+    std::mt19937 random;
+    std::vector<int> size = {0};
+    std::vector<double> sum;
+    std::vector<int> cases;
+    double mean[kLanes];
+    PermutedCellSums cells;
+};
+
+double statistic_of_lane(CSM& csm, LaneStudy& study, int l, int g) {
+    std::vector<double> sum(study.size.size());
+    for (std::size_t c = 1; c < sum.size(); ++c) sum[c] = study.sum[c * kLanes + l];
+    std::vector<int> group(sum.size());
+    csm.cluster(sum.data(), study.size.data(), group.data(), study.cells.ncell, g);
+    double statistic = 0;
+    for (int q = 1; q <= g; ++q) {
+        int a = 0, b = 0;
+        for (std::size_t c = 1; c < sum.size(); ++c) {
+            if (group[c] != q) continue;
+            a += study.cases[c * kLanes + l];
+            b += study.size[c] - study.cases[c * kLanes + l];
+        }
+        const double n1 = study.cells.cases, n0 = study.cells.controls;
+        const double p1 = a / n1, p0 = b / n0;
+        if (p1 + p0 > 0) statistic += ((p1 - p0) * (p1 - p0)) / (p0 / n1 + p1 / n0);
+    }
+    return statistic;
+}
+
+TEST_F(CsmClustering, EveryLaneAgreesWithAnOrderOfItsOwn) {
+    for (unsigned seed = 1; seed <= 300; ++seed) {
+        SCOPED_TRACE(seed);
+        LaneStudy study(seed);
+        const int gmax = std::min(study.cells.ncell, 10);
+        for (const auto set :
+             {Instructions::kPortable, Instructions::kWide, Instructions::kWidest}) {
+            if (set > best_instructions()) continue;
+            std::vector<double> statistic(9 * kLanes);
+            const auto compute =
+                kernel_for(set, []<Instructions I>() { return ClusterKernel<I>::statistics; });
+            compute(study.cells, gmax, statistic.data());
+            for (int g = 2; g <= gmax; ++g) {
+                for (int l = 0; l < kLanes; ++l) {
+                    ASSERT_EQ(bits(statistic[(g - 2) * kLanes + l]),
+                              bits(statistic_of_lane(*csm_, study, l, g)))
+                        << "lane " << l << ", " << g << " groups";
+                }
+            }
+        }
     }
 }
 

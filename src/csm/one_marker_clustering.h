@@ -1,4 +1,4 @@
-// The pieces of the clusterings in use, for callers that cluster the same cells many times.
+// The pieces of a single marker's clustering, for callers that cluster the same cells many times.
 #pragma once
 
 namespace vort {
@@ -15,9 +15,5 @@ OneMarkerTests test_one_marker(const int* case_count, const int* control_count, 
 
 // Groups of cells 1 .. 3 for g = 2 or 3.
 void group_one_marker(const OneMarkerTests& tests, int g, int* group_of_cell);
-
-// K-means of cells 1 .. ncell by their means, which are given.
-void cluster_by_mean(const double* cell_sum, const int* cell_count, const double* mean,
-                     int* group_of_cell, int ncell, int g);
 
 }  // namespace vort

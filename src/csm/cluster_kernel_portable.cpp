@@ -1,0 +1,7 @@
+#include "csm/cluster_kernel_body.h"
+
+namespace vort {
+
+template struct ClusterKernel<Instructions::kPortable>;
+
+}  // namespace vort
