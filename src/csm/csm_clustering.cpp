@@ -84,11 +84,10 @@ void group_one_marker(const OneMarkerTests& tests, int g, int* group_of_cell) {
     group_of_cell[1] = 1;
     group_of_cell[2] = 2;
     group_of_cell[3] = 2;
-    if (tests.best == 'A') {
-        group_of_cell[2] = 1;
-    } else if (tests.best != 'C' && g == 3) {
+    const bool by_all_cells = tests.best == 'B' || tests.best == 'D';
+    if (by_all_cells && g == 3) {
         group_of_cell[3] = 3;
-    } else if (tests.best != 'C' && tests.first_pair_closer) {
+    } else if (tests.best == 'A' || (by_all_cells && tests.first_pair_closer)) {
         group_of_cell[2] = 1;
     }
 }

@@ -63,6 +63,7 @@ class ScoreTable {
             return order;
         }
         std::vector<KeyedIndex> items;
+        items.reserve(statistic.size());
         for (const double s : statistic) items.push_back({s, static_cast<int>(items.size()) + 1});
         sort_keyed(items);
         for (const KeyedIndex& item : items) order.push_back(item.index);

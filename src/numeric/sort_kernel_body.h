@@ -232,7 +232,7 @@ template <Instructions kInstructions>
     store(c, hi);
     const double key = pivot[0];
     const Scans start{lo + 1, hi};
-    const auto window = [=](int size) { return higher(first, hi - (size - 1)); };
+    const auto window = [=](int size) { return higher(first, range.hi - (size - 1)); };
     const auto [i, j] =
         range.gap() < 16   ? exchange_rest<kInstructions, 16>(start, window(16), key)
         : range.gap() < 32 ? exchange_rest<kInstructions, 32>(start, window(32), key)
