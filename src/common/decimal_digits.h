@@ -23,6 +23,8 @@ class DecimalDigits {
     explicit constexpr DecimalDigits(int value)
         : value_(static_cast<std::uint32_t>(value)), digits_(split(value_)) {}
 
+    // The number after this one. Where there are more than eight digits, only value_ has to be
+    // right.
     constexpr DecimalDigits next() const {
         DecimalDigits following = *this;
         if (digits_ >> kLastDigit == 9) return DecimalDigits(static_cast<int>(value_) + 1);

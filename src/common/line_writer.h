@@ -44,7 +44,8 @@ class LineWriter {
     LineWriter(const LineWriter&) = delete;
     LineWriter& operator=(const LineWriter&) = delete;
 
-    // A line may have up to kLongestLine characters.
+    // A line may have up to kLongestLine characters, with room for a number to spare: a number is
+    // written in place, with up to kGeneralLength characters before the ones behind it are dropped.
     Line begin() { return Line(buffer_.data() + size_); }
     void end(Line line) {
         *line.at_++ = '\n';

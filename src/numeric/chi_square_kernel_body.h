@@ -47,7 +47,7 @@ struct Vectors {
 };
 
 // exp(-x) x^a / Gamma(a), by the C library.
-inline double leading_factor(double a, double x, double gln) {
+[[gnu::always_inline]] inline double leading_factor(double a, double x, double gln) {
     return std::exp(-x + a * std::log(x) - gln);
 }
 

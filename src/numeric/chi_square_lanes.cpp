@@ -31,7 +31,7 @@ ChiSquareQueue::ChiSquareQueue(Instructions instructions, int capacity)
 // The first `size` of a line, which are all of it where they are not a multiple of a group.
 void ChiSquareQueue::evaluate(Line& line, std::size_t size) const {
     const std::size_t padded = (size + kGroup - 1) / kGroup * kGroup;
-    std::fill(line.x.begin() + size, line.x.begin() + std::max(padded, size), kPadding);
+    std::fill(line.x.begin() + size, line.x.begin() + padded, kPadding);
     const auto expand = kernel_for(instructions_, [series = line.in_series]<Instructions I>() {
         return series ? ChiSquareKernel<I>::series : ChiSquareKernel<I>::fraction;
     });

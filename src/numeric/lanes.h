@@ -62,7 +62,7 @@ template <typename Doubles>
 [[gnu::always_inline]] inline Doubles magnitude(const Doubles& x) {
     constexpr std::int64_t kAllButSign = 0x7FFFFFFFFFFFFFFF;
     using Bits = decltype(x == x);
-    return reinterpret_cast<Doubles>(reinterpret_cast<const Bits&>(x) & kAllButSign);
+    return reinterpret_cast<Doubles>(reinterpret_cast<Bits>(x) & kAllButSign);
 }
 
 // The part before the point; vectors take values from 0 to 2^31 - 1.

@@ -95,23 +95,29 @@ template <Instructions kInstructions, Scan kScan, int kSize>
 }
 
 // 0 <= n <= 64
-inline std::uint64_t first_bits(std::ptrdiff_t n) {
+[[gnu::always_inline]] inline std::uint64_t first_bits(std::ptrdiff_t n) {
     return n >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << n) - 1;
 }
-inline int first_bit(std::uint64_t bits) {
+[[gnu::always_inline]] inline int first_bit(std::uint64_t bits) {
     return __builtin_ctzll(bits);
 }
-inline int last_bit(std::uint64_t bits) {
+[[gnu::always_inline]] inline int last_bit(std::uint64_t bits) {
     return 63 - __builtin_clzll(bits);
 }
 
-template <typename Pointer>
-Pointer lower(Pointer a, Pointer b) {
+template <typename Value>
+[[gnu::always_inline]] inline Value lower(Value a, Value b) {
     return a < b ? a : b;
 }
-template <typename Pointer>
-Pointer higher(Pointer a, Pointer b) {
+template <typename Value>
+[[gnu::always_inline]] inline Value higher(Value a, Value b) {
     return a < b ? b : a;
+}
+
+// The `size` elements that end with `last`, or, where there are not as many, the first ones.
+[[gnu::always_inline]] inline KeyedIndex* window_up_to(KeyedIndex* last, std::ptrdiff_t size,
+                                                       KeyedIndex* first) {
+    return last - first < size - 1 ? first : last - (size - 1);
 }
 
 // Both scans have stopped before the next element to look at: i moves up from it, j down.
@@ -124,7 +130,7 @@ struct Scans {
 struct Range {
     KeyedIndex* lo;
     KeyedIndex* hi;
-    std::ptrdiff_t gap() const { return hi - lo; }
+    [[gnu::always_inline]] std::ptrdiff_t gap() const { return hi - lo; }
 };
 
 // The last exchanges, where all elements between the scans lie in a window of kSize; returns where
@@ -157,7 +163,9 @@ struct Block {
     KeyedIndex* window = nullptr;
     std::uint64_t stops = 0;
 
-    std::uint64_t bits() const { return first_bits(size) << (begin - window); }
+    [[gnu::always_inline]] std::uint64_t bits() const {
+        return first_bits(size) << (begin - window);
+    }
 };
 
 // Moves both scans on through a range of at least a window, block by block: the k-th stop upward
@@ -183,7 +191,7 @@ Scans exchange_all(Scans scans, Range range, double pivot) {
             right.begin -= right.size;
             middle -= right.size;
             if (right.size == 0) break;
-            right.window = higher(right.begin + right.size - kSize, range.lo);
+            right.window = window_up_to(right.begin + right.size - 1, kSize, range.lo);
             right.stops =
                 stops<kInstructions, Scan::kDownward, kSize>(right.window, pivot) & right.bits();
         }
@@ -232,7 +240,7 @@ template <Instructions kInstructions>
     store(c, hi);
     const double key = pivot[0];
     const Scans start{lo + 1, hi};
-    const auto window = [=](int size) { return higher(first, range.hi - (size - 1)); };
+    const auto window = [=](int size) { return window_up_to(range.hi, size, first); };
     const auto [i, j] =
         range.gap() < 16   ? exchange_rest<kInstructions, 16>(start, window(16), key)
         : range.gap() < 32 ? exchange_rest<kInstructions, 32>(start, window(32), key)
@@ -244,7 +252,7 @@ template <Instructions kInstructions>
 
 // Straight insertion keeps equal keys in order, so counting the smaller ones in front of each
 // element, without a branch, gives the same order.
-inline void sort_few(Range range) {
+[[gnu::always_inline]] inline void sort_few(Range range) {
     const int size = static_cast<int>(range.gap()) + 1;
     KeyedIndex item[kInsertionGap];
     int rank[kInsertionGap] = {};

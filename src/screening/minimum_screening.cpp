@@ -17,6 +17,7 @@
 #include "screening/minimum_screening.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -158,6 +159,7 @@ ScreeningResult& MinimumScreening::screen(const int* packed) {
             result_.minimum[marker - 1] = {1.0, marker};
             const bool dropped = is_dropped(slot);
             if (dropped) ++result_.dropped;
+            // Such a marker has no statistics.
             if (block_.table.R[slot] == 0 || block_.table.S[slot] == 0) continue;
             const double largest =
                 std::max(block_.leaders.largest[slot], block_.statistics.genotype[slot]);
