@@ -9,8 +9,11 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <string>
 #include <utility>
 #include <vector>
+
+#include "common/decimal_digits.h"
 
 namespace vort {
 namespace {
@@ -56,6 +59,19 @@ TEST(NumberText, IgnoresTheStreamsOwnFormat) {
     stream << std::hex << std::setprecision(2) << std::setfill('*') << general(1234.5678) << ' '
            << std::setw(12) << fixed(-2.0, 1, 5);
     EXPECT_EQ(stream.str(), "1234.57  -2.0");
+}
+
+// Counting on past every change of length, and past what the digits of a word can hold.
+TEST(DecimalDigits, CountAsNumbersDo) {
+    for (const int start :
+         {0, 8, 95, 990, 9990, 99990, 999990, 9999990, 99999990, 123456789, INT_MAX - 20}) {
+        DecimalDigits digits(start);
+        for (int value = start; value < start + 20; ++value, digits = digits.next()) {
+            char text[16];
+            ASSERT_EQ(std::string(text, digits.write(text)), std::to_string(value));
+            ASSERT_EQ(std::string(text, DecimalDigits(value).write(text)), std::to_string(value));
+        }
+    }
 }
 
 TEST(Truncated, CutsTowardsZeroAndMarksWhatDoesNotFit) {
