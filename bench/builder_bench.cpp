@@ -7,9 +7,11 @@
 #include <sstream>
 #include <vector>
 
+#include "csm/cluster_kernel.h"
 #include "csm/csm.h"
 #include "csm/pair_sums.h"
 #include "csm/plain_kernels.h"
+#include "numeric/lanes.h"
 
 namespace vort {
 namespace {
@@ -82,6 +84,59 @@ void pair_sums_fast(benchmark::State& state) {
                             PairSums::kAtOnce);
 }
 BENCHMARK(pair_sums_fast);
+
+// The nine cells of a pair under kLanes orders of a phenotype, to be clustered into 2 .. 9 groups.
+struct PairCells {
+    static constexpr int kCells = 9;
+
+    PairCells() {
+        std::mt19937 random(5);
+        std::uniform_real_distribution<double> deviation(-0.2, 0.2);
+        for (int c = 1; c <= kCells; ++c) {
+            size[c] = 60 + 10 * c;
+            for (int l = 0; l < kLanes; ++l) sum[c * kLanes + l] = size[c] * deviation(random);
+        }
+    }
+
+    int size[kCells + 1] = {};
+    double sum[(kCells + 1) * kLanes] = {};
+    double mean[kLanes] = {};
+};
+
+// Items are clusterings; the fast form computes their statistics, too.
+void clustering_plain(benchmark::State& state) {
+    const Builder builder(100);
+    PairCells cells;
+    double sum[PairCells::kCells + 1] = {};
+    int group[PairCells::kCells + 1] = {};
+    for (auto _ : state) {
+        for (int l = 0; l < kLanes; ++l) {
+            for (int c = 1; c <= PairCells::kCells; ++c) sum[c] = cells.sum[c * kLanes + l];
+            for (int g = 2; g <= PairCells::kCells; ++g) {
+                builder.csm->cluster(sum, cells.size, group, PairCells::kCells, g);
+                benchmark::DoNotOptimize(group);
+            }
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kLanes * (PairCells::kCells - 1));
+}
+BENCHMARK(clustering_plain);
+
+void clustering_fast(benchmark::State& state) {
+    const PairCells cells;
+    const PermutedCellSums sums{PairCells::kCells, cells.size, cells.sum, cells.mean,
+                                {-0.5, 0.5},       500,        500};
+    double statistic[(PairCells::kCells - 1) * kLanes];
+    const Instructions set = state.range(0) != 0 ? best_instructions() : Instructions::kPortable;
+    const auto compute =
+        kernel_for(set, []<Instructions I>() { return ClusterKernel<I>::statistics; });
+    for (auto _ : state) {
+        compute(sums, PairCells::kCells, statistic);
+        benchmark::DoNotOptimize(statistic);
+    }
+    state.SetItemsProcessed(state.iterations() * kLanes * (PairCells::kCells - 1));
+}
+BENCHMARK(clustering_fast)->ArgName("wide")->Arg(0)->Arg(1);
 
 // Items are permuted orders. The second argument is the number of markers in the set.
 void score_plain(benchmark::State& state) {
