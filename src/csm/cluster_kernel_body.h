@@ -42,7 +42,7 @@ class Lanes {
         Mask going = ~Mask{};
         for (int pass = 0; pass < kMostPasses; ++pass) {
             going &= find_nearest(g);
-            if (!any(going)) return;
+            if (any_of_lanes(going) == 0) return;
             for (int j = 1; j <= g; ++j) centre_[j] = select(going, centre_of(j), centre_[j]);
         }
     }
@@ -70,12 +70,6 @@ class Lanes {
         Doubles value;
         std::memcpy(&value, from, sizeof value);
         return value;
-    }
-
-    static bool any(const Mask& mask) {
-        std::int64_t bits = 0;
-        for (int l = 0; l < Types::kSize; ++l) bits |= mask[l];
-        return bits != 0;
     }
 
     // Each cell to its nearest centre, the lowest of equals; the lanes in which that moved a cell.

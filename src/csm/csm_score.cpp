@@ -217,10 +217,7 @@ void CSM::score_permuted_set(const PermutedCells& permuted, int orders, int r,
     std::array<double, kMostGroups * kLanes> statistic;
     const auto compute = kernel_for(best_instructions(),
                                     []<Instructions I>() { return ClusterKernel<I>::statistics; });
-    PermutedCellSums sums = permuted.sums();
-    sums.cases = case_num;
-    sums.controls = Sample_size - case_num;
-    compute(sums, table.gmax(), statistic.data());
+    compute(permuted.sums(case_num, Sample_size - case_num), table.gmax(), statistic.data());
     for (int g = 2; g <= table.gmax(); ++g) {
         for (int l = 0; l < orders; ++l) table.at(r + l, g) = statistic[(g - 2) * kLanes + l];
     }

@@ -78,8 +78,9 @@ void PermutedCells::sum_cells() {
     sums(phenotype, by_cell_.data(), cell_count_.data(), ncell(), mean_, sum_.data());
 }
 
-PermutedCellSums PermutedCells::sums() const {
-    return {ncell(), cell_count_.data(), sum_.data(), mean_, {value_[0], value_[1]}, 0, 0};
+PermutedCellSums PermutedCells::sums(double cases, double controls) const {
+    return {ncell(), cell_count_.data(), sum_.data(), mean_, {value_[0], value_[1]}, cases,
+            controls};
 }
 
 void PermutedCells::count_cases(int l, int* cases) const {

@@ -6,7 +6,7 @@
 // bytes that it would have alone. The individuals are listed cell by cell, so that a cell's eight
 // sums stay in registers.
 //
-// Cost: for each individual and order a draw of 4 nanoseconds and an addition or two.
+// Cost: for each individual and order a draw of 2 nanoseconds and an addition or two.
 #pragma once
 
 #include <span>
@@ -31,9 +31,9 @@ class PermutedCells {
     // Draws the next `orders` orders, at most kLanes; they take n draws of the generator each.
     void draw(int orders);
 
-    // The cells under these orders, where the sums are wanted; valid until the next draw. The sizes
-    // of the groups are left to the caller.
-    PermutedCellSums sums() const;
+    // The cells under these orders, where the sums are wanted; valid until the next draw.
+    // `cases` and `controls` are the sizes of the groups, individuals in no cell included.
+    PermutedCellSums sums(double cases, double controls) const;
 
     // Numbers of cases in cells 1 .. ncell under the l-th of these orders, where only counts are.
     void count_cases(int l, int* cases) const;

@@ -40,9 +40,7 @@ struct Vectors {
     [[gnu::always_inline]] static bool any(const Mask (&going)[kRegisters]) {
         Mask together = going[0];
         for (int v = 1; v < kRegisters; ++v) together |= going[v];
-        std::int64_t bits = 0;
-        for (int l = 0; l < Register<kInstructions>::kSize; ++l) bits |= together[l];
-        return bits != 0;
+        return any_of_lanes(together) != 0;
     }
 };
 

@@ -51,7 +51,7 @@ struct Counts<Instructions::kWide> {
     }
 };
 
-// Four words at once gain nothing: the rest of a draw takes longer.
+// Four words at once gain nothing; LabelLanes does not ask for them.
 template <>
 struct Counts<Instructions::kWidest> : Counts<Instructions::kWide> {};
 
@@ -151,7 +151,7 @@ template <Instructions kInstructions>
     }
 }
 
-// Takes the item of lane l from its word; returns its label.
+// Takes the item at a bit of a word; returns its label.
 [[gnu::always_inline]] inline std::uint64_t take(std::uint64_t& word, int bit) {
     const std::uint64_t from_here = word >> bit;
     const std::uint64_t before = word & ((std::uint64_t{1} << bit) - 1);

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
 #include "numeric/instructions.h"
@@ -63,6 +64,14 @@ template <typename Doubles>
     constexpr std::int64_t kAllButSign = 0x7FFFFFFFFFFFFFFF;
     using Bits = decltype(x == x);
     return reinterpret_cast<Doubles>(reinterpret_cast<Bits>(x) & kAllButSign);
+}
+
+// The bits that any lane has.
+template <typename Mask>
+[[gnu::always_inline]] inline std::int64_t any_of_lanes(const Mask& mask) {
+    std::int64_t bits = 0;
+    for (std::size_t l = 0; l < sizeof mask / sizeof bits; ++l) bits |= mask[l];
+    return bits;
 }
 
 // The part before the point; vectors take values from 0 to 2^31 - 1.

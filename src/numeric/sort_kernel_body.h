@@ -89,9 +89,7 @@ template <Instructions kInstructions, Scan kScan, int kSize>
         const typename Types::Mask passed = kScan == Scan::kUpward ? key < pivot : key > pivot;
         found |= ~passed & (Keys<kInstructions>::kBits << k);
     }
-    std::int64_t bits = 0;
-    for (int l = 0; l < kStep; ++l) bits |= found[l];
-    return static_cast<std::uint64_t>(bits);
+    return static_cast<std::uint64_t>(any_of_lanes(found));
 }
 
 // 0 <= n <= 64

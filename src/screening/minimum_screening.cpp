@@ -13,7 +13,7 @@
 // value is taken. Example: statistics 3.84, 1.2, 0.5 and 4.5 (two degrees) need the first alone:
 // as improbable as 3.84 would be 5.99.
 //
-// Cost: some 25 divisions a marker, and 1.02 p-values instead of four.
+// Cost: 33 divisions a marker, and 1.02 p-values instead of four.
 #include "screening/minimum_screening.h"
 
 #include <algorithm>
