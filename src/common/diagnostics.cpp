@@ -1,8 +1,6 @@
 #include "common/diagnostics.h"
 
-#include <cstdlib>
-#include <iostream>
-#include <vector>
+#include <ostream>
 
 namespace vort {
 
@@ -10,49 +8,36 @@ namespace {
 
 constexpr long kLinesOfAKind = 10;
 
-struct KindCount {
-    std::string_view kind;
-    long count;
-    std::string last;  // the line that came last
-};
-
-// Never destroyed: the console, flushed at exit, may still have something to say.
-std::vector<KindCount>& counts() {
-    static auto& all = *new std::vector<KindCount>;
-    return all;
-}
+}  // namespace
 
 // How many lines of the kind there are with this one; a line that repeats the last is none.
-long count_one(std::string_view kind, const std::string& line) {
-    static const bool finish_at_exit = std::atexit(finish_diagnostics) == 0;
-    static_cast<void>(finish_at_exit);
-    for (KindCount& entry : counts()) {
+long Diagnostics::count_one(std::string_view kind, const std::string& line) {
+    for (KindCount& entry : counts_) {
         if (entry.kind != kind) continue;
         if (entry.last == line) return kLinesOfAKind + 1;
         entry.last = line;
         return ++entry.count;
     }
-    counts().push_back({kind, 1, line});
+    counts_.push_back({kind, 1, line});
     return 1;
 }
 
-}  // namespace
-
-void diagnose(std::string_view kind, std::string_view file, long line, const std::string& text) {
+void Diagnostics::say(std::string_view kind, std::string_view file, long line,
+                      const std::string& text) {
     std::string whole = std::string(file) + ':';
     if (line > 0) whole += std::to_string(line) + ':';
     whole += ' ' + text + '\n';
-    if (count_one(kind, whole) <= kLinesOfAKind) std::cerr << whole;
+    if (count_one(kind, whole) <= kLinesOfAKind) out_ << whole << std::flush;
 }
 
-void finish_diagnostics() {
-    for (const KindCount& entry : counts()) {
+void Diagnostics::finish() {
+    for (const KindCount& entry : counts_) {
         if (entry.count > kLinesOfAKind) {
-            std::cerr << "... and " << entry.count - kLinesOfAKind << " more " << entry.kind
-                      << '\n';
+            out_ << "... and " << entry.count - kLinesOfAKind << " more " << entry.kind << '\n'
+                 << std::flush;
         }
     }
-    counts().clear();
+    counts_.clear();
 }
 
 }  // namespace vort

@@ -7,6 +7,7 @@
 #include "common/number_text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <climits>
 #include <cmath>
@@ -82,7 +83,7 @@ char* write_below_one(int digits, int zeros, char* out) {
 
 }  // namespace
 
-char* write_general(double value, char* out) {
+char* General::write(char* out) const {
     int zeros = leading_zeros(value);
     if (zeros >= 0) {
         int digits = six_digits(value, zeros);
@@ -92,29 +93,51 @@ char* write_general(double value, char* out) {
         }
         if (digits > 0 && zeros >= 0) return write_below_one(digits, zeros, out);
     }
-    return std::to_chars(out, out + kGeneralLength, printable(value), std::chars_format::general,
-                         kDigits)
+    return std::to_chars(out, out + kLongest, printable(value), std::chars_format::general, kDigits)
         .ptr;
 }
 
-NumberText general(double value) {
-    NumberText number;
-    char* begin = number.text_.data();
-    number.size_ = static_cast<std::size_t>(write_general(value, begin) - begin);
-    return number;
+char* Fixed::write(char* out) const {
+    return out + std::snprintf(out, kLongest, "%*.*f", width, precision, printable(value));
 }
 
-NumberText fixed(double value, int precision, int width) {
-    NumberText number;
-    const int length = std::snprintf(number.text_.data(), number.text_.size(), "%*.*f", width,
-                                     precision, printable(value));
-    number.size_ = static_cast<std::size_t>(length);
-    return number;
+namespace {
+
+template <typename Number>
+std::string text_of(const Number& number) {
+    char text[Number::kLongest];
+    return std::string(text, number.write(text));
 }
 
-std::ostream& operator<<(std::ostream& out, const NumberText& number) {
-    const std::string_view text = number.view();
-    return out.write(text.data(), static_cast<std::streamsize>(text.size()));
+template <typename Number>
+double read_back(const Number& number) {
+    char text[Number::kLongest];
+    double value = 0;
+    std::from_chars(text, number.write(text), value);
+    return value;
+}
+
+}  // namespace
+
+std::string to_text(const General& number) {
+    return text_of(number);
+}
+std::string to_text(const Fixed& number) {
+    return text_of(number);
+}
+
+double as_read_back(const General& number) {
+    return read_back(number);
+}
+double as_read_back(const Fixed& number) {
+    return read_back(number);
+}
+
+std::ostream& operator<<(std::ostream& out, const General& number) {
+    return out << text_of(number);
+}
+std::ostream& operator<<(std::ostream& out, const Fixed& number) {
+    return out << text_of(number);
 }
 
 int truncated(double value) {
