@@ -1,13 +1,24 @@
-// Standard output in large pieces.
-//
-// The screening prints a line for every marker of every data set, so std::cout gets a buffer of
-// its own, written out at stage ends, before every end of the process, and, where standard output
-// is a terminal, after every line.
+// Standard output, written in large pieces as they come.
 #pragma once
+
+#include <string_view>
+
+#include "common/diagnostics.h"
 
 namespace vort {
 
-// Gives std::cout that buffer for the rest of the process; called once, first thing in main.
-void open_console();
+class StandardOutput {
+  public:
+    // `diagnostics` is not owned.
+    explicit StandardOutput(Diagnostics& diagnostics) : diagnostics_(diagnostics) {}
+
+    // Writes at once. What a broken pipe or a full disk swallows is told once, and does not stop
+    // the analysis.
+    void write(std::string_view text);
+
+  private:
+    Diagnostics& diagnostics_;
+    bool failed_ = false;
+};
 
 }  // namespace vort

@@ -4,21 +4,20 @@
 
 #include <utility>
 
-#include "common/diagnostics.h"
-
 namespace vort {
 
 void remove_file(const std::string& path) {
     ::unlink(path.c_str());
 }
 
-OutputFile::OutputFile(std::string path, Mode mode)
-    : path_(std::move(path)),
+OutputFile::OutputFile(std::string path, Mode mode, Diagnostics& diagnostics)
+    : diagnostics_(diagnostics),
+      path_(std::move(path)),
       stream_(path_, mode == Mode::kAppend ? std::ios::app : std::ios::trunc),
       opened_(stream_.is_open()) {
     if (!opened_) {
-        diagnose("files that could not be opened for writing", path_, 0,
-                 "could not be opened for writing");
+        diagnostics_.say("files that could not be opened for writing", path_, 0,
+                         "could not be opened for writing");
     }
 }
 
@@ -26,8 +25,8 @@ bool OutputFile::close() {
     if (!stream_.is_open()) return opened_ && !stream_.fail();
     stream_.close();
     if (!stream_.fail()) return true;
-    diagnose("files that could not be written", path_, 0,
-             "could not be fully written (is the disk full?)");
+    diagnostics_.say("files that could not be written", path_, 0,
+                     "could not be fully written (is the disk full?)");
     return false;
 }
 

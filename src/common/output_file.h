@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "common/diagnostics.h"
+
 namespace vort {
 
 // Removes a file, if there is one; a directory of that name stays.
@@ -15,7 +17,8 @@ class OutputFile {
   public:
     enum class Mode { kTruncate, kAppend };
 
-    OutputFile(std::string path, Mode mode);
+    // `diagnostics` is not owned.
+    OutputFile(std::string path, Mode mode, Diagnostics& diagnostics);
     ~OutputFile() { close(); }
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
@@ -33,6 +36,7 @@ class OutputFile {
     bool close();
 
   private:
+    Diagnostics& diagnostics_;
     std::string path_;
     std::ofstream stream_;
     bool opened_;

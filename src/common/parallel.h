@@ -2,8 +2,8 @@
 //
 // Every pass is independent of the others, so which thread runs it never shows in a result. Threads
 // take the next pass that is left, and are gone when the loop ends; `threads` is how many there may
-// be, the caller's included. A pass that throws ends the loop: the exception of the lowest pass that
-// threw is thrown on, and passes not yet begun may be left out.
+// be, the caller's included. A pass that throws ends the loop: the exception of the lowest pass
+// that threw is thrown on, and passes not yet begun may be left out.
 //
 //     for_each_index(threads, blocks, [&](std::size_t b) { count_block(b); });
 //

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -50,17 +51,34 @@ std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
 
-void say(std::string_view kind, const ParameterEntry& entry, const std::string& text) {
-    diagnose(kind, kParameterFileName, entry.line, entry.name + ": " + text);
-}
+// What is wrong with an entry, told.
+class ParameterCheck {
+  public:
+    explicit ParameterCheck(Diagnostics& diagnostics) : diagnostics_(diagnostics) {}
 
-void check_name(const ParameterEntry& entry, const KnownParameter& row) {
+    void check_entry(const ParameterEntry& entry);
+    void check_repeated(std::span<const ParameterEntry> entries, std::size_t i);
+    void check_missing(std::span<const ParameterEntry> entries);
+    void say(std::string_view kind, const ParameterEntry& entry, const std::string& text) {
+        diagnostics_.say(kind, kParameterFileName, entry.line, entry.name + ": " + text);
+    }
+
+  private:
+    void check_name(const ParameterEntry& entry, const KnownParameter& row);
+    void check_number(const ParameterEntry& entry);
+    void check_range(const ParameterEntry& entry, Expected expected);
+    void check_text(const ParameterEntry& entry);
+
+    Diagnostics& diagnostics_;
+};
+
+void ParameterCheck::check_name(const ParameterEntry& entry, const KnownParameter& row) {
     if (entry.name == row.name) return;
     say("unfamiliar parameter names", entry,
         "no such parameter; its letters make it be taken as " + std::string(row.name));
 }
 
-void check_number(const ParameterEntry& entry) {
+void ParameterCheck::check_number(const ParameterEntry& entry) {
     if (entry.whole_word) return;
     if (entry.word.empty()) {
         say("parameter values that are no number", entry,
@@ -72,7 +90,7 @@ void check_number(const ParameterEntry& entry) {
     }
 }
 
-void check_range(const ParameterEntry& entry, Expected expected) {
+void ParameterCheck::check_range(const ParameterEntry& entry, Expected expected) {
     const auto value = static_cast<double>(entry.value);
     const bool whole = value == std::trunc(value);
     if (expected == Expected::kShare) {
@@ -101,7 +119,7 @@ void check_range(const ParameterEntry& entry, Expected expected) {
     }
 }
 
-void check_text(const ParameterEntry& entry) {
+void ParameterCheck::check_text(const ParameterEntry& entry) {
     if (entry.word.empty()) say("missing parameter values", entry, "a value was expected");
     if (entry.text.size() < entry.word.size()) {
         say("parameter values cut", entry,
@@ -109,7 +127,7 @@ void check_text(const ParameterEntry& entry) {
     }
 }
 
-void check_entry(const ParameterEntry& entry) {
+void ParameterCheck::check_entry(const ParameterEntry& entry) {
     const KnownParameter* row = known(parameter_of(entry.name));
     if (row == nullptr) {
         if (entry.is_text) return;
@@ -141,7 +159,7 @@ Parameter setting_of(std::string_view name) {
     return parameter == Parameter::kReplicates ? Parameter::kPermutations : parameter;
 }
 
-void check_repeated(const std::vector<ParameterEntry>& entries, std::size_t i) {
+void ParameterCheck::check_repeated(std::span<const ParameterEntry> entries, std::size_t i) {
     const Parameter parameter = setting_of(entries[i].name);
     if (known(parameter) == nullptr) return;
     for (std::size_t before = 0; before < i; ++before) {
@@ -155,7 +173,7 @@ void check_repeated(const std::vector<ParameterEntry>& entries, std::size_t i) {
 }
 
 // What decides about a run and is not given has a default that hardly fits it.
-void check_missing(const std::vector<ParameterEntry>& entries) {
+void ParameterCheck::check_missing(std::span<const ParameterEntry> entries) {
     for (const KnownParameter& row : kKnownParameters) {
         const auto gives = [&](const ParameterEntry& entry) {
             return setting_of(entry.name) == row.parameter;
@@ -163,30 +181,33 @@ void check_missing(const std::vector<ParameterEntry>& entries) {
         if (row.default_value.empty() || std::any_of(entries.begin(), entries.end(), gives)) {
             continue;
         }
-        diagnose("parameters missing", kParameterFileName, 0,
-                 std::string(row.name) + " is not given; " + std::string(row.default_value));
+        diagnostics_.say(
+            "parameters missing", kParameterFileName, 0,
+            std::string(row.name) + " is not given; " + std::string(row.default_value));
     }
 }
 
 }  // namespace
 
-void diagnose_parameters(const ParameterFile& file) {
-    const std::vector<ParameterEntry> used = file.dispatched();
+void diagnose_parameters(const ParameterFile& file, Diagnostics& diagnostics) {
+    ParameterCheck check(diagnostics);
+    const std::span<const ParameterEntry> used = file.dispatched();
     for (std::size_t i = 0; i < used.size(); ++i) {
-        check_entry(used[i]);
-        check_repeated(used, i);
+        check.check_entry(used[i]);
+        check.check_repeated(used, i);
     }
     for (std::size_t i = used.size(); i < file.entries.size(); ++i) {
         if (file.entries[i].name.empty()) continue;
-        say("parameters ignored", file.entries[i],
-            "ignored: for each name that starts with no letter the last entry is left out");
+        check.say("parameters ignored", file.entries[i],
+                  "ignored: for each name that starts with no letter the last entry is left out");
     }
     if (!file.unread.name.empty()) {
-        say("parameters ignored", file.unread,
-            "ignored from here on: " + std::to_string(file.line_count) + " lines, so the first " +
-                std::to_string(file.entries.size()) + " names and values are read");
+        check.say("parameters ignored", file.unread,
+                  "ignored from here on: " + std::to_string(file.line_count) +
+                      " lines, so the first " + std::to_string(file.entries.size()) +
+                      " names and values are read");
     }
-    check_missing(used);
+    check.check_missing(used);
 }
 
 }  // namespace vort

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
-#include <iostream>
-#include <iterator>
+#include <cstring>
 
-#include "common/end_program.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
+#include "common/stop.h"
 #include "common/text_input.h"
 
 namespace vort {
@@ -129,46 +128,75 @@ class EntryReader {
     long line_ = 1;
 };
 
-void write_default_file() {
-    OutputFile file{std::string(kParameterFileName), OutputFile::Mode::kTruncate};
+void write_default_file(Diagnostics& diagnostics) {
+    OutputFile file{std::string(kParameterFileName), OutputFile::Mode::kTruncate, diagnostics};
     if (!file.is_open()) {
-        std::cout << "Don't open parameter file\n";
-        end_program();
+        stop("Don't find parameter file use default value\nDon't open parameter file\n");
     }
     file << kDefaultFile;
 }
 
-}  // namespace
-
-std::vector<ParameterEntry> ParameterFile::dispatched() const {
-    return {entries.begin(), entries.begin() + letter_count};
-}
-
-std::optional<ParameterFile> read_parameter_file() {
-    TextInput input{std::string(kParameterFileName)};
-    if (!input.is_open()) {
-        std::cout << "Don't find parameter file use default value\n";
-        write_default_file();
-        return std::nullopt;
-    }
+std::string read_all(TextInput& input) {
     std::string text;
     for (int c = input.get(); c != EOF; c = input.get()) text.push_back(static_cast<char>(c));
+    return text;
+}
 
-    ParameterFile file;
-    file.line_count = count_lines(text);
-    if (file.line_count > kWarnAboveLines) {
-        std::cout << "There are too many line in parameter file to deal i=" << file.line_count
-                  << "\n               please delete those line for not use and line number "
-                     "don't more than 15.\n";
+[[noreturn]] void stop_unread(int error, Diagnostics& diagnostics) {
+    diagnostics.say(
+        "files that could not be read", kParameterFileName, 0,
+        std::string("could not be read (") + std::strerror(error) + "); it is left as it is");
+    stop("", 1);
+}
+
+}  // namespace
+
+ParameterFile read_parameter_file(Diagnostics& diagnostics) {
+    errno = 0;
+    TextInput input{std::string(kParameterFileName)};
+    if (!input.is_open()) {
+        const int error = errno;
+        if (error != ENOENT && error != 0) stop_unread(error, diagnostics);
+        ParameterFile file;
+        file.found = false;
+        write_default_file(diagnostics);
+        return file;
     }
+    std::string text = read_all(input);
+    if (input.read_error() != 0) stop_unread(input.read_error(), diagnostics);
+    return parse_parameters(std::move(text));
+}
+
+ParameterFile parse_parameters(std::string text) {
+    ParameterFile file;
+    file.text = std::move(text);
+    file.line_count = count_lines(file.text);
     const int most = std::min(file.line_count, kMostEntries);
-    EntryReader reader(text);
+    EntryReader reader(file.text);
     while (static_cast<int>(file.entries.size()) < most) {
         file.entries.push_back(reader.next());
         if (is_letter(letter_at(file.entries.back().name, 1))) ++file.letter_count;
     }
     file.unread = reader.next();
     return file;
+}
+
+void print_warnings(const ParameterFile& file, Transcript& transcript) {
+    if (!file.found) {
+        transcript << "Don't find parameter file use default value\n";
+        return;
+    }
+    if (file.line_count > kWarnAboveLines) {
+        transcript << "There are too many line in parameter file to deal i=" << file.line_count
+                   << "\n               please delete those line for not use and line number "
+                      "don't more than 15.\n";
+    }
+    for (const ParameterEntry& entry : file.dispatched()) {
+        if (parameter_of(entry.name) != Parameter::kUnknown) continue;
+        transcript << "Find error,needless parameter! parametername=" << entry.name
+                   << " parametervalue=" << fixed(static_cast<double>(entry.value))
+                   << " k=" << file.letter_count << '\n';
+    }
 }
 
 Parameter parameter_of(std::string_view name) {
@@ -179,12 +207,6 @@ Parameter parameter_of(std::string_view name) {
         }
     }
     return Parameter::kUnknown;
-}
-
-void print_needless_parameter(const ParameterEntry& entry, int letter_count) {
-    std::cout << "Find error,needless parameter! parametername=" << entry.name
-              << " parametervalue=" << fixed(static_cast<double>(entry.value))
-              << " k=" << letter_count << '\n';
 }
 
 int cut_to_int(float value) {

@@ -5,17 +5,19 @@
 //     Sample_size        1033
 //     Inputfile          dat1.txt
 //
-// Three readers take what concerns them from it (the screening, the ensemble stage and the builder
-// of base learners). They share what stands here: the reading, and the rule that tells from a
-// few letters of a name which setting it means. Only the second letter, and for some names the
-// third or the eleventh, count, so misspelt names are understood, or misunderstood, by the same
-// rule; diagnose_parameters says on standard error where that happened.
+// What stands here is the reading, and the rule that tells from a few letters of a name which
+// setting it means. Only the second letter, and for some names the third or the eleventh, count, so
+// misspelt names are understood, or misunderstood, by the same rule; diagnose_parameters says on
+// standard error where that happened. What the stages take from it: common/settings.h.
 #pragma once
 
-#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "common/diagnostics.h"
+#include "common/transcript.h"
 
 namespace vort {
 
@@ -47,29 +49,37 @@ struct ParameterEntry {
 };
 
 struct ParameterFile {
+    std::string text;                     // the whole file
+    bool found = true;                    // false where there was none, and one was written
     int line_count = 0;                   // lines that are not empty
     std::vector<ParameterEntry> entries;  // as read, at most 20
     int letter_count = 0;                 // entries whose name starts with a letter
     ParameterEntry unread;                // the first entry that is not read; no name: none
 
-    // The entries that the readers dispatch: the first `letter_count` ones, whatever their names.
-    std::vector<ParameterEntry> dispatched() const;
+    // The entries that count: the first `letter_count` ones, whatever their names.
+    std::span<const ParameterEntry> dispatched() const {
+        return std::span(entries).first(static_cast<std::size_t>(letter_count));
+    }
 };
 
 constexpr std::string_view kParameterFileName = "parameter.txt";
 
-// Reads the file. Where there is none, says so, writes one with the default lines and returns
-// nothing: the built-in defaults then stay in force. Where that fails too, ends the program.
-std::optional<ParameterFile> read_parameter_file();
+// Reads the file of that name. Where there is none, writes one with the default lines, and
+// `found` is false: the built-in defaults then stay in force. A file that is there but cannot be
+// read is left alone and stops the run, as does a default file that cannot be written.
+ParameterFile read_parameter_file(Diagnostics& diagnostics);
+
+ParameterFile parse_parameters(std::string text);
+
+// The console lines of one stage's look at the file: its absence, too many lines, names that mean
+// no setting.
+void print_warnings(const ParameterFile& file, Transcript& transcript);
 
 // Which setting a name means; see the table in the source.
 Parameter parameter_of(std::string_view name);
 
-// The warning about a name that means no setting.
-void print_needless_parameter(const ParameterEntry& entry, int letter_count);
-
 // Standard error: every entry that is ignored, cut or guessed at.
-void diagnose_parameters(const ParameterFile& file);
+void diagnose_parameters(const ParameterFile& file, Diagnostics& diagnostics);
 
 // A value cut towards zero, and one rounded to nearest with halves away from zero; INT_MIN where
 // it does not fit an int.

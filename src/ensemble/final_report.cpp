@@ -18,50 +18,50 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iostream>
-#include <string>
-#include <vector>
 
-#include "common/number_text.h"
-#include "common/output_file.h"
-#include "ensemble/importance.h"
 #include "numeric/distributions.h"
 
 namespace vort {
 
 namespace {
 
-constexpr const char* kReportName = "Final_result.txt";
 constexpr int kCodesShown = 10;
 constexpr double kEmptyCellStatistic = 0.00001;
 
-// Writes to the report and echoes on the console.
+// Collects the report and echoes it on the console.
 class Report {
   public:
-    Report() : file_(kReportName, OutputFile::Mode::kAppend) {}
+    explicit Report(Transcript& console) : console_(console) {}
 
     template <typename T>
     Report& operator<<(const T& value) {
-        file_ << value;
-        std::cout << value;
+        text_ << value;
+        console_ << value;
         return *this;
     }
+    Transcript& console() { return console_; }
+    std::string text() const { return std::string(text_.text()); }
 
   private:
-    OutputFile file_;
+    Transcript text_{true};
+    Transcript& console_;
 };
 
 // The individuals as the report sees them.
 struct Study {
-    char** X;
-    const short* phenotype;
-    const int* ranking;
-    int n;
-    double ybar;  // share of cases
-    double SS;    // sum of squares around it
+    const Genotypes& genotypes;
+    std::span<const short> phenotype;
+    const std::vector<int>& column;  // of each rank
+    double ybar = 0;                 // share of cases
+    double SS = 0;                   // sum of squares around it
 
-    // Genotype of individual i (from 0) at the j-th ranked marker (from 1).
-    int genotype(int i, int j) const { return X[i][ranking[j - 1]]; }
+    int n() const { return static_cast<int>(phenotype.size()); }
+    // Codes of the j-th ranked marker (from 1).
+    std::vector<signed char> codes(int j) const {
+        std::vector<signed char> all(static_cast<std::size_t>(genotypes.individuals()));
+        genotypes.unpack(column[j - 1], all.data());
+        return all;
+    }
 };
 
 struct Cell {
@@ -73,29 +73,20 @@ struct Cell {
 // The nine cells of a pair, or the three of a single marker.
 using Cells = std::vector<Cell>;
 
-Study make_study(char** X, const short* phenotype, const int* ranking, int n) {
-    Study study{X, phenotype, ranking, n, 0, 0};
-    double sum = 0;
-    for (int i = 0; i < n; ++i) sum += phenotype[i];
-    study.ybar = sum / n;
-    for (int i = 0; i < n; ++i) {
-        const double deviation = phenotype[i] - study.ybar;
-        study.SS += deviation * deviation;
-    }
-    return study;
-}
-
 double cell_statistic(const Study& study, double cases, double count) {
-    const double n = study.n;
+    const double n = study.n();
     return (cases / count - study.ybar) / std::sqrt(((n - count) * study.SS / n / n) / count);
 }
 
-Cells count_cells(const Study& study, const output_information& learner) {
-    const bool pair = learner.nmarker == 2;
+Cells count_cells(const Study& study, const BaseLearner& learner) {
+    const bool pair = learner.markers == 2;
     Cells cells(pair ? 9 : 3);
-    for (int i = 0; i < study.n; ++i) {
-        const int first = study.genotype(i, learner.marker[1]);
-        const int second = pair ? study.genotype(i, learner.marker[2]) : 0;
+    const std::vector<signed char> first_codes = study.codes(learner.marker[0]);
+    const std::vector<signed char> second_codes =
+        pair ? study.codes(learner.marker[1]) : std::vector<signed char>(first_codes.size());
+    for (int i = 0; i < study.n(); ++i) {
+        const int first = first_codes[i];
+        const int second = second_codes[i];
         if (first < 0 || second < 0) continue;
         Cell& cell = cells[pair ? 3 * first + second : first];
         cell.count += 1;
@@ -129,7 +120,7 @@ void write_statistics(Report& report, const Cells& cells, bool pair) {
     report << '\n' << "P-value\t\t\t\t ";
     for (const Cell& cell : cells) {
         if (cell.z != 0) {
-            report << general(1 - pchisq(1, cell.z * cell.z)) << "\t ";
+            report << general(1 - lower_tail(1, cell.z * cell.z).value) << "\t ";
         } else if (pair) {
             report << general(0.99999) << "\t ";
         } else {
@@ -140,7 +131,7 @@ void write_statistics(Report& report, const Cells& cells, bool pair) {
     report << '\n';
 }
 
-void write_clustering(Report& report, const output_information& learner, int cells) {
+void write_clustering(Report& report, const BaseLearner& learner, int cells) {
     const auto begin = learner.cluster.begin();
     const auto end = begin + cells;
     int unused = 0;
@@ -161,13 +152,13 @@ void write_clustering(Report& report, const output_information& learner, int cel
     report << '\n';
 }
 
-void write_marker_table(Report& report, const Study& study, const output_information& learner) {
-    const bool pair = learner.nmarker == 2;
+void write_marker_table(Report& report, const Study& study, const BaseLearner& learner) {
+    const bool pair = learner.markers == 2;
     const Cells cells = count_cells(study, learner);
     if (pair) {
-        report << "\nMarkers\t " << learner.marker[1] << ',' << learner.marker[2];
+        report << "\nMarkers\t " << learner.marker[0] << ',' << learner.marker[1];
     } else {
-        report << "\nMarker\t " << learner.marker[1];
+        report << "\nMarker\t " << learner.marker[0];
     }
     report << "\nGenotype\t\t\t ";
     for (std::size_t code = 0; code < cells.size(); ++code) {
@@ -183,124 +174,153 @@ void write_marker_table(Report& report, const Study& study, const output_informa
 }
 
 // A table of the set of markers stands behind the base learner before already.
-bool repeats(const output_information* learners, int b) {
+bool repeats(const std::vector<BaseLearner>& learners, std::size_t b) {
     if (b == 0) return false;
     const auto& mine = learners[b].marker;
     const auto& before = learners[b - 1].marker;
-    return mine[1] == before[1] && (learners[b].nmarker == 1 || mine[2] == before[2]);
+    return mine[0] == before[0] && (learners[b].markers == 1 || mine[1] == before[1]);
 }
 
-void write_tables(Report& report, const Study& study, const output_information* learners, int n_bl,
-                  int nmarker) {
-    for (int b = 0; b < n_bl; ++b) {
-        if (learners[b].nmarker == nmarker && !repeats(learners, b)) {
+void write_tables(Report& report, const Study& study, const std::vector<BaseLearner>& learners,
+                  int markers) {
+    for (std::size_t b = 0; b < learners.size(); ++b) {
+        if (learners[b].markers == markers && !repeats(learners, b)) {
             write_marker_table(report, study, learners[b]);
         }
     }
 }
 
-void write_model(Report& report, const Study& study, const output_information* learners, int n_bl) {
+void write_model(Report& report, const Study& study, const std::vector<BaseLearner>& learners) {
     report << "The final Model information\n===========================\n"
            << "Base Learner         "
            << "Intercept      ";
     double explained = 0;
-    for (int b = 0; b < n_bl; ++b) {
-        report << 'X' << learners[b].id << (b < 10 ? "       " : "      ");
-        explained += learners[b].beta * learners[b].average;
+    for (const BaseLearner& learner : learners) {
+        report << 'X' << learner.id << (learner.id <= 10 ? "       " : "      ");
+        explained += learner.beta * learner.average;
     }
     report << '\n' << "Coefficient          " << general(study.ybar - explained) << "    ";
-    for (int b = 0; b < n_bl; ++b) report << fixed(learners[b].beta, 3, 7) << "  ";
+    for (const BaseLearner& learner : learners) report << fixed(learner.beta, 3, 7) << "  ";
     report << '\n';
 }
 
-// The genotypes for which a base learner is 1, and blanks that fill the column.
-void write_function(Report& report, output_information& learner) {
-    const bool pair = learner.nmarker == 2;
-    if (pair && learner.ncell == 0) learner.ncell = 1;
+// The genotypes for which a base learner is 1, and blanks that fill the column. A pair's group
+// without cells reads as its first cell.
+void write_function(Report& report, const BaseLearner& learner) {
+    const bool pair = learner.markers == 2;
+    const std::vector<int> cells =
+        pair && learner.cells.empty() ? std::vector<int>{0} : learner.cells;
     report << "I{ ";
-    for (int c = 0; c < learner.ncell; ++c) {
+    for (std::size_t c = 0; c < cells.size(); ++c) {
         if (pair && c > 0) report << " or ";
-        report << cell_name(learner.cell[c], pair);
+        report << cell_name(cells[c], pair);
         if (!pair) report << ' ';
     }
-    report << " }" << std::string(6 * std::max((pair ? 9 : 3) - learner.ncell, 0), ' ')
+    const int missing = std::max(learner.cell_count() - static_cast<int>(cells.size()), 0);
+    report << " }" << std::string(static_cast<std::size_t>(6 * missing), ' ')
            << (pair ? "\t\t " : "\t\t\t\t\t\t\t ");
 }
 
-void write_base_learners(Report& report, output_information* learners, int n_bl) {
+void write_base_learners(Report& report, const std::vector<BaseLearner>& learners) {
     report << "\nVariable (Base learner) information in the final model\n"
            << "======================================================" << '\n'
            << "Base learner \t Marker involved \t Base learner function \t\t\t\t\t\t\t "
               "Important measure"
            << '\n';
     double total = 0;
-    for (int b = 0; b < n_bl; ++b) total += learners[b].importance;
-    for (int b = 0; b < n_bl; ++b) {
-        output_information& learner = learners[b];
+    for (const BaseLearner& learner : learners) total += learner.importance;
+    for (const BaseLearner& learner : learners) {
         report << 'X' << learner.id << "\t\t\t";
-        for (int l = 1; l <= learner.nmarker; ++l) report << learner.marker[l] << ' ';
+        for (int l = 0; l < learner.markers; ++l) report << learner.marker[l] << ' ';
         report << "\t\t";
         write_function(report, learner);
         report << general(100 * learner.importance / total) << '\n';
     }
 }
 
-void write_importance(Report& report, const int* markers, const int* importance, int count) {
+void write_importance(Report& report, const std::vector<int>& markers,
+                      const std::vector<int>& importance) {
     report << "\n\n\n\nImportant measure of the markers involved in the final model\n"
            << "============================================================\n"
            << "Marker   : ";
     double total = 0;
-    for (int i = 0; i < count; ++i) {
+    for (std::size_t i = 0; i < markers.size(); ++i) {
         report << markers[i] << "\t ";
         total += importance[i];
     }
     report << '\n' << "Important: ";
-    for (int i = 0; i < count; ++i) {
-        report << general(truncated(importance[i] / total * 1000) / 10.0) << "\t ";
+    for (const int measure : importance) {
+        report << general(truncated(measure / total * 1000) / 10.0) << "\t ";
     }
     report << '\n';
 }
 
-int* listed_markers(int nm, const int* marker_list, int count) {
-    if (nm < 1) return new int[1]{-1};
-    auto* const list = new int[static_cast<std::size_t>(std::max(nm, count)) + 1]();
-    std::copy_n(marker_list, count, list);
-    list[count] = -1;
-    return list;
+// A copy of the parameter file, without the white space that it begins with and up to the first
+// byte 0xFF, then raw codes of the first columns.
+void write_beginning(const ReportInput& input, Transcript& out) {
+    const std::string& text = input.settings.file.text;
+    const std::size_t begin = std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size());
+    out << std::string_view(text).substr(begin, text.find('\xFF', begin) - begin) << '\n';
+    const int shown = std::min(kCodesShown, input.settings.report.markers);
+    const int known = std::min(kCodesShown, input.settings.builder.usable_markers());
+    const auto write_codes = [&](const char* title, int individual) {
+        out << title;
+        for (int j = 0; j < shown; ++j) {
+            out << (j < known && individual >= 0 ? input.genotypes.code(individual, j) : 0) << ' ';
+        }
+        out << '\n';
+    };
+    const int last = input.settings.builder.individuals - 1;
+    write_codes("The first ten marker of first individual ", std::min(0, last));
+    write_codes("The first ten marker of last  individual ", last);
+}
+
+Study make_study(const ReportInput& input, const Result& result) {
+    const auto n = static_cast<std::size_t>(std::max(input.settings.report.individuals, 0));
+    Study study{input.genotypes, input.phenotypes.first(n), result.columns};
+    double sum = 0;
+    for (const short phenotype : study.phenotype) sum += phenotype;
+    study.ybar = sum / study.n();
+    for (const short phenotype : study.phenotype) {
+        const double deviation = phenotype - study.ybar;
+        study.SS += deviation * deviation;
+    }
+    return study;
 }
 
 }  // namespace
 
-void begin_report(int nm, const int* first_codes, const int* last_codes) {
-    filecopy("parameter.txt", kReportName);
-    OutputFile file(kReportName, OutputFile::Mode::kAppend);
-    const int shown = std::min(kCodesShown, nm);
-    file << "The first ten marker of first individual ";
-    for (int j = 0; j < shown; ++j) file << first_codes[j] << ' ';
-    file << "\nThe first ten marker of last  individual ";
-    for (int j = 0; j < shown; ++j) file << last_codes[j] << ' ';
-    file << '\n';
-}
-
-int* Final_result(int r, int /*Sample*/, int /*Marker*/, char** X, short** phenotypes,
-                  int** rankings, int /*Permutation*/, int /*Replication*/, int individuals,
-                  int ranked, int n_bl, output_information* learners, int* importance_list,
-                  int marker_count, int* marker_list, int* first_codes, int* last_codes) {
-    const Study study = make_study(X, phenotypes[r], rankings[r], individuals);
-    begin_report(ranked, first_codes, last_codes);
-    OutputFile(kReportName, OutputFile::Mode::kAppend) << '\n';
-    Report report;
-    write_model(report, study, learners, n_bl);
-    write_base_learners(report, learners, n_bl);
+std::string report_text(const ReportInput& input, const Result& result, Transcript& console) {
+    Transcript beginning(true);
+    write_beginning(input, beginning);
+    if (result.learners.empty()) return std::string(beginning.text());
+    beginning << '\n';
+    const Study study = make_study(input, result);
+    const std::vector<BaseLearner>& learners = result.learners;
+    Report report(console);
+    write_model(report, study, learners);
+    write_base_learners(report, learners);
     report << "\nMarkers or Marker combinations involved in the final model\n"
            << "\n==========================================================\n";
-    std::cout << "sigma1=" << general(study.SS) << " y_bar=" << general(study.ybar) << '\n';
+    console << "sigma1=" << general(study.SS) << " y_bar=" << general(study.ybar) << '\n';
     report << "Single Marker \n";
-    write_tables(report, study, learners, n_bl, 1);
+    write_tables(report, study, learners, 1);
     report << "\n\nTwo-locus combinations \n";
-    write_tables(report, study, learners, n_bl, 2);
-    write_importance(report, marker_list, importance_list, marker_count);
-    return listed_markers(ranked, marker_list, marker_count);
+    write_tables(report, study, learners, 2);
+    write_importance(report, result.markers, result.importance);
+    return std::string(beginning.text()) + report.text();
+}
+
+std::string marker_names_text(const Settings& settings, const Result& result, MarkerTable& table) {
+    Transcript out(true);
+    if (settings.report.markers < 1 || result.learners.empty()) return "";
+    for (const int rank : result.markers) {
+        const MarkerTable::Entry marker =
+            table.find(result.columns[rank - 1], MarkerTable::Numbering::kFromZero);
+        out << "\n\nMarker \t" << rank << "\t name = " << marker.name
+            << "\t Chromosome= " << marker.chromosome;
+    }
+    return std::string(out.text());
 }
 
 }  // namespace vort

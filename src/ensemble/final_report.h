@@ -1,21 +1,31 @@
 // The main report, "Final_result.txt".
 #pragma once
 
-#include "ensemble/output_information.h"
+#include <span>
+#include <string>
+#include <vector>
+
+#include "common/settings.h"
+#include "common/transcript.h"
+#include "ensemble/result.h"
+#include "genotypes/genotypes.h"
+#include "genotypes/marker_table.h"
 
 namespace vort {
 
-// Writes the report of a model with n_bl >= 1 base learners, and echoes most of it on the console.
-// r is the data set's row in `phenotypes` (Sample shorts) and `rankings` (0-based columns of X);
-// ns individuals and nm ranked markers are tabulated. marker_list and importance_list have
-// marker_count entries, first_codes and last_codes 10. Returns the marker list, ended by -1, in a
-// new array that the caller deletes.
-int* Final_result(int r, int Sample, int Marker, char** X, short** phenotypes, int** rankings,
-                  int Permutation, int Replication, int ns, int nm, int n_bl,
-                  output_information* base_learner, int* importance_list, int marker_count,
-                  int* marker_list, int* first_codes, int* last_codes);
+// What the report shows beside the result. Nothing is owned.
+struct ReportInput {
+    const Settings& settings;
+    const Genotypes& genotypes;
+    std::span<const short> phenotypes;  // observed
+};
 
-// Begins "Final_result.txt": a copy of "parameter.txt", then the lines of raw codes.
-void begin_report(int nm, const int* first_codes, const int* last_codes);
+// The report up to the marker names; most of it is echoed on the console, too.
+std::string report_text(const ReportInput& input, const Result& result, Transcript& console);
+
+// The names of the model's markers, which end the report. A name is that of the line before the
+// marker's own: it is looked up by the marker's column counted from 0. A table that cannot be used
+// stops the run.
+std::string marker_names_text(const Settings& settings, const Result& result, MarkerTable& table);
 
 }  // namespace vort

@@ -54,8 +54,8 @@ class Genotypes {
     // 0, 1, 2, or -1 for a missing genotype.
     int code(int i, int j) const {
         constexpr signed char kCode[] = {2, -1, 1, 0};
-        const unsigned char four = columns_[static_cast<std::size_t>(j) * stride_ +
-                                            static_cast<std::size_t>(i) / 4];
+        const unsigned char four =
+            columns_[static_cast<std::size_t>(j) * stride_ + static_cast<std::size_t>(i) / 4];
         return kCode[four >> 2 * (i % 4) & 3];
     }
 

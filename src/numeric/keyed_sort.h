@@ -15,6 +15,7 @@
 // Keys may be any values but NaN. Cost: n log2(n) comparisons, of 16 bytes an element.
 #pragma once
 
+#include <cstddef>
 #include <span>
 
 #include "numeric/instructions.h"
@@ -22,7 +23,13 @@
 
 namespace vort {
 
-// Sorts by key, ascending; equal keys end in the order in which Quickindex leaves them.
-void sort_keyed(std::span<KeyedIndex> items, Instructions instructions = best_instructions());
+// Sorts by key, ascending; equal keys end in the order in which Quickindex leaves them. Only the
+// first `wanted` places need to be right: parts of the array that lie behind them are left as they
+// are when that is known.
+void sort_keyed(std::span<KeyedIndex> items, std::size_t wanted,
+                Instructions instructions = best_instructions());
+inline void sort_keyed(std::span<KeyedIndex> items) {
+    sort_keyed(items, items.size());
+}
 
 }  // namespace vort

@@ -11,7 +11,6 @@
 // where they are compared.
 #pragma once
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -30,7 +29,6 @@ struct Register<Instructions::kPortable> {
     static constexpr int kSize = 2;
     using Doubles [[gnu::vector_size(16)]] = double;
     using Mask [[gnu::vector_size(16)]] = std::int64_t;
-    using Ints [[gnu::vector_size(8)]] = int;
 };
 
 template <>
@@ -38,7 +36,6 @@ struct Register<Instructions::kWide> {
     static constexpr int kSize = 4;
     using Doubles [[gnu::vector_size(32)]] = double;
     using Mask [[gnu::vector_size(32)]] = std::int64_t;
-    using Ints [[gnu::vector_size(16)]] = int;
 };
 
 template <>
@@ -46,11 +43,10 @@ struct Register<Instructions::kWidest> {
     static constexpr int kSize = 8;
     using Doubles [[gnu::vector_size(64)]] = double;
     using Mask [[gnu::vector_size(64)]] = std::int64_t;
-    using Ints [[gnu::vector_size(32)]] = int;
 };
 
 // `yes` where the condition holds, else `no`; both are evaluated.
-inline double select(bool condition, double yes, double no) {
+[[gnu::always_inline]] inline double select(bool condition, double yes, double no) {
     return condition ? yes : no;
 }
 template <typename Mask, typename Doubles>
@@ -59,11 +55,30 @@ template <typename Mask, typename Doubles>
     return condition ? yes : no;
 }
 
+[[gnu::always_inline]] inline double magnitude(const double& x) {
+    return __builtin_fabs(x);
+}
 template <typename Doubles>
 [[gnu::always_inline]] inline Doubles magnitude(const Doubles& x) {
     constexpr std::int64_t kAllButSign = 0x7FFFFFFFFFFFFFFF;
     using Bits = decltype(x == x);
     return reinterpret_cast<Doubles>(reinterpret_cast<Bits>(x) & kAllButSign);
+}
+
+// What comparisons give, lane by lane: bool for a double, a vector of all or no bits otherwise.
+[[gnu::always_inline]] inline bool both(bool a, bool b) {
+    return a && b;
+}
+template <typename Mask>
+[[gnu::always_inline]] inline Mask both(const Mask& a, const Mask& b) {
+    return a & b;
+}
+[[gnu::always_inline]] inline bool either(bool a, bool b) {
+    return a || b;
+}
+template <typename Mask>
+[[gnu::always_inline]] inline Mask either(const Mask& a, const Mask& b) {
+    return a | b;
 }
 
 // The bits that any lane has.
@@ -73,26 +88,21 @@ template <typename Mask>
     for (std::size_t l = 0; l < sizeof mask / sizeof bits; ++l) bits |= mask[l];
     return bits;
 }
+[[gnu::always_inline]] inline bool any(bool mask) {
+    return mask;
+}
+template <typename Mask>
+[[gnu::always_inline]] inline bool any(const Mask& mask) {
+    return any_of_lanes(mask) != 0;
+}
 
-// The part before the point; vectors take values from 0 to 2^31 - 1.
-inline double whole_part(double x) {
-    return std::trunc(x);
-}
-template <Instructions kInstructions>
-[[gnu::always_inline]] inline auto whole_part_of(
-    const typename Register<kInstructions>::Doubles& x) {
-    using Types = Register<kInstructions>;
-    return __builtin_convertvector(__builtin_convertvector(x, typename Types::Ints),
-                                   typename Types::Doubles);
-}
-[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kPortable>::Doubles& x) {
-    return whole_part_of<Instructions::kPortable>(x);
-}
-[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kWide>::Doubles& x) {
-    return whole_part_of<Instructions::kWide>(x);
-}
-[[gnu::always_inline]] inline auto whole_part(const Register<Instructions::kWidest>::Doubles& x) {
-    return whole_part_of<Instructions::kWidest>(x);
+// The part before the point, of 0 up to 2^51. A double of 2^52 has no digits behind the point, so
+// that adding as much rounds to a whole number, up or down.
+template <typename Number>
+[[gnu::always_inline]] inline Number whole_part(const Number& x) {
+    constexpr double kNoFraction = 0x1p52;
+    const Number nearest = (x + kNoFraction) - kNoFraction;
+    return nearest - select(nearest > x, Number{} + 1.0, Number{});
 }
 
 }  // namespace vort

@@ -268,11 +268,12 @@ template <Instructions kInstructions>
 }  // namespace sorting
 
 template <Instructions kInstructions>
-void SortKernel<kInstructions>::sort(KeyedIndex* items, int size) {
+void SortKernel<kInstructions>::sort(KeyedIndex* items, std::size_t size, std::size_t wanted) {
     using namespace sorting;
     Range waiting[kDeepest];
     int waiting_count = 0;
     Range range{items, items + size - 1};
+    const KeyedIndex* const behind_wanted = items + wanted;
     for (;;) {
         if (range.gap() < kInsertionGap) {
             sort_few(range);
@@ -281,6 +282,10 @@ void SortKernel<kInstructions>::sort(KeyedIndex* items, int size) {
             continue;
         }
         const auto [left, right] = partition<kInstructions>(range, items);
+        if (right.lo >= behind_wanted) {
+            range = left;
+            continue;
+        }
         const bool right_waits = right.gap() >= left.gap();
         waiting[waiting_count++] = right_waits ? right : left;
         range = right_waits ? left : right;

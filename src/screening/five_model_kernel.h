@@ -1,12 +1,12 @@
-// A block of markers from packed counts to five-model statistics, several at a time.
+// A block of markers from genotype counts to five-model statistics, several at a time.
 #pragma once
 
 #include "numeric/instructions.h"
-#include "screening/packed_columns.h"
+#include "screening/count_kernel.h"
 
 namespace vort {
 
-constexpr int kMarkerBlock = 128;  // a multiple of every register's doubles
+constexpr int kMarkerBlock = 64;  // a multiple of every register's doubles
 
 // Cases and controls, those with a missing genotype included.
 struct GroupSizes {
@@ -46,8 +46,8 @@ struct MarkerBlock {
 
 template <Instructions kInstructions>
 struct FiveModelKernel {
-    // Both `columns` and `packed` have kMarkerBlock elements.
-    static void compute(const PackedColumns& columns, const int* packed, GroupSizes sizes,
+    // Both arrays have kMarkerBlock elements: a column's counts over everybody, and over the cases.
+    static void compute(const PlaneCounts* everybody, const PlaneCounts* cases, GroupSizes sizes,
                         MarkerBlock& out);
 };
 

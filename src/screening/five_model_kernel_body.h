@@ -12,20 +12,18 @@ namespace vort {
 namespace five_model {
 
 template <Instructions kInstructions>
-void unpack(const PackedColumns& columns, const int* packed, GroupSizes sizes, TableBlock& out) {
+void make_tables(const PlaneCounts* everybody, const PlaneCounts* in_cases, GroupSizes sizes,
+                 TableBlock& out) {
     for (int c = 0; c < kMarkerBlock; ++c) {
-        const int two_from = columns.two_from[c];
-        const int missing_from = columns.missing_from[c];
-        const int one = packed[c] & ((1 << two_from) - 1);
-        const int two = packed[c] >> two_from & ((1 << (missing_from - two_from)) - 1);
-        const int missing = packed[c] >> missing_from;
-        const int R = sizes.cases - missing;
-        const int S = sizes.controls - (columns.missing[c] - missing);
-        const int b1 = columns.one[c] - one;
-        const int b2 = columns.two[c] - two;
-        out.a0[c] = R - one - two;
-        out.a1[c] = one;
-        out.a2[c] = two;
+        const PlaneCounts& all = everybody[c];
+        const PlaneCounts& cases = in_cases[c];
+        const int R = sizes.cases - cases.missing;
+        const int S = sizes.controls - (all.missing - cases.missing);
+        const int b1 = all.one - cases.one;
+        const int b2 = all.two - cases.two;
+        out.a0[c] = R - cases.one - cases.two;
+        out.a1[c] = cases.one;
+        out.a2[c] = cases.two;
         out.b0[c] = S - b1 - b2;
         out.b1[c] = b1;
         out.b2[c] = b2;
@@ -34,11 +32,11 @@ void unpack(const PackedColumns& columns, const int* packed, GroupSizes sizes, T
     }
 }
 
-template <Instructions kInstructions>
+// kSize markers at a time.
+template <Instructions kInstructions, typename Doubles, int kSize>
 void compute_statistics(const TableBlock& in, StatisticsBlock& out) {
-    using Doubles = typename Register<kInstructions>::Doubles;
     constexpr std::size_t kBytes = sizeof(Doubles);
-    for (int first = 0; first < kMarkerBlock; first += Register<kInstructions>::kSize) {
+    for (int first = 0; first < kMarkerBlock; first += kSize) {
         GenotypeTable<Doubles> table;
         std::memcpy(&table.a0, in.a0 + first, kBytes);
         std::memcpy(&table.a1, in.a1 + first, kBytes);
@@ -85,10 +83,16 @@ void find_leaders(const StatisticsBlock& in, LeadersBlock& out) {
 }  // namespace five_model
 
 template <Instructions kInstructions>
-void FiveModelKernel<kInstructions>::compute(const PackedColumns& columns, const int* packed,
+void FiveModelKernel<kInstructions>::compute(const PlaneCounts* everybody, const PlaneCounts* cases,
                                              GroupSizes sizes, MarkerBlock& out) {
-    five_model::unpack<kInstructions>(columns, packed, sizes, out.table);
-    five_model::compute_statistics<kInstructions>(out.table, out.statistics);
+    five_model::make_tables<kInstructions>(everybody, cases, sizes, out.table);
+    using Types = Register<kInstructions>;
+    if (fits(sizes.cases, sizes.controls)) {
+        five_model::compute_statistics<kInstructions, typename Types::Doubles, Types::kSize>(
+            out.table, out.statistics);
+    } else {
+        five_model::compute_statistics<kInstructions, double, 1>(out.table, out.statistics);
+    }
     five_model::find_leaders<kInstructions>(out.statistics, out.leaders);
 }
 

@@ -19,14 +19,21 @@
 //
 // Example: R = S = 100 and 2 a2 + a1 + b1 + 2 b2 = 300 give K = 133, not 133.33.
 //
-// Number is a double or a vector of them; all counts are whole numbers, R and S positive, 4RS below
-// 2^31 for lanes and below 2^52 for a double. A quotient of whole numbers that small never rounds
-// up to the next whole number, so K is exact.
+// Number is a double or a vector of them; all counts are whole numbers, R and S positive. Vectors
+// need 4RS below 2^51, as fits() tells: a quotient of whole numbers that small never rounds up to
+// the next whole number, so K is exact.
 #pragma once
+
+#include <cstdint>
 
 #include "numeric/lanes.h"
 
 namespace vort {
+
+// Whether groups of these sizes are small enough: any two of up to 47 million together are.
+constexpr bool fits(double cases, double controls) {
+    return 4.0 * cases * controls < 0x1p51;
+}
 
 template <typename Number>
 struct GenotypeTable {
@@ -50,12 +57,25 @@ template <typename Number>
     return select(p >= 1.0, select(q >= 1.0, constant, above), above);
 }
 
+// 4RS / alleles, cut. The first form needs fits(); the second holds for all groups.
+template <typename Number>
+[[gnu::always_inline]] inline Number whole_quotient(const Number& R, const Number& S,
+                                                    const Number& alleles) {
+    return whole_part<Number>(4.0 * R * S / select(alleles > 0.0, alleles, alleles + 1.0));
+}
+template <>
+[[gnu::always_inline]] inline double whole_quotient(const double& R, const double& S,
+                                                    const double& alleles) {
+    const auto exact = [](double whole) { return static_cast<std::int64_t>(whole); };
+    return static_cast<double>(4 * exact(R) * exact(S) / exact(alleles > 0.0 ? alleles : 1.0));
+}
+
 template <typename Number>
 [[gnu::always_inline]] inline Number additive_statistic(const GenotypeTable<Number>& t) {
     const Number p = (2.0 * t.a2 + t.a1) / (2.0 * t.R);
     const Number q = (2.0 * t.b2 + t.b1) / (2.0 * t.S);
     const Number alleles = 2.0 * t.a2 + t.a1 + t.b1 + 2.0 * t.b2;
-    const Number K = whole_part(4.0 * t.R * t.S / select(alleles > 0.0, alleles, alleles + 1.0));
+    const Number K = whole_quotient<Number>(t.R, t.S, alleles);
     const Number weight = K + 1.0 / ((1.0 - p) / (2.0 * t.S) + (1.0 - q) / (2.0 * t.R));
     return statistic_unless_constant<Number>(p, q, ((p - q) * (p - q)) * weight);
 }

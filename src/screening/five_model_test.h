@@ -1,23 +1,30 @@
 // Four association tests of one marker, and the smallest of their p-values.
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "screening/screening_result.h"
+
 namespace vort {
 
 // Genotype counts of one group: individuals with genotype 0, 1, 2, and with a missing genotype.
 struct GenotypeCounts {
-    int count[4] = {0, 0, 0, 0};
+    std::array<int, 4> count{};
 };
 
-// The p-values of the additive, dominant, recessive and genotype models, in this order, from the
-// counts of a marker in cases and in controls. `cases` and `controls` are the group sizes, missing
-// genotypes included. All four are 1 where a group has no genotype at all.
-void five_model_pvalues(const GenotypeCounts& in_cases, const GenotypeCounts& in_controls,
-                        int cases, int controls, double pvalue[4]);
+struct MarkerCounts {
+    GenotypeCounts cases;
+    GenotypeCounts controls;
+};
 
-// Counts the genotypes of column j (from 0) and tests it: fills pvalue[0..3] in the order above,
-// caseCount[0..3] and controlCount[0..3] (genotype 0, 1, 2, missing), and returns pvalue[0]. The
-// group sizes are those of `samplesize`. Marker is not used.
-double calculate_pvalue4_and_freq(short* Y, char** X, int Marker, int Sample, int j, double* pvalue,
-                                  int* caseCount, int* controlCount);
+// Counts the codes of a column; a phenotype of 1 is a case, any other a control.
+MarkerCounts count_genotypes(std::span<const signed char> codes, std::span<const short> phenotypes);
+
+// The p-values of the additive, dominant, recessive and genotype models, in this order. `cases` and
+// `controls` are the group sizes, missing genotypes included. All four are 1 where a group has no
+// genotype at all.
+std::array<double, kModels> five_model_pvalues(const MarkerCounts& counts, int cases, int controls);
 
 }  // namespace vort

@@ -1,18 +1,19 @@
 // All p-values of one screening, marker by marker.
 //
-// This is the form for what the lanes do not serve: FDR reports, which show every model, and
-// studies of so many individuals that counts or products of group sizes do not fit.
+// This is the plain form: every marker counted and tested by itself. It serves the FDR report,
+// which shows every model, and the tests hold the fast form against it.
 #pragma once
 
 #include <array>
+#include <span>
 #include <vector>
 
-#include "screening/minimum_screening.h"
+#include "genotypes/genotypes.h"
 #include "screening/screening_result.h"
 
 namespace vort {
 
-// All vectors have `Marker` + 1 elements; element j + 1 belongs to genotype column j.
+// All vectors have markers + 1 elements; element j + 1 belongs to genotype column j.
 struct MarkerPvalues {
     std::array<std::vector<double>, kModels> model;
     std::vector<double> minimum;             // the smallest of the four
@@ -23,13 +24,7 @@ struct MarkerPvalues {
     std::array<int, kModels> dropped_significant{};
 };
 
-// Tests all markers of `X` against `Y`; a marker with too many missing genotypes gets p-values 1.
-MarkerPvalues test_all_markers();
-
-// What of them is shown.
-ScreeningResult result_of(const MarkerPvalues& all);
-
-// From `samplesize` and `not_over_missing_marker_drop_ratio`.
-MissingLimits missing_limits();
+// Tests all markers; one with too many missing genotypes gets p-values 1.
+MarkerPvalues test_all_markers(const Genotypes& genotypes, std::span<const short> phenotypes);
 
 }  // namespace vort

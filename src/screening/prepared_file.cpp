@@ -1,143 +1,118 @@
-// A prepared file holds the phenotypes in its first line, a digit and a blank each, then a line
-// for each of the best markers: the 0-based column and the eight genotype counts of the five-model
-// test, cases first, each followed by a tab. Its name tells the data set's number and the share
-// of missing genotypes that the ranking allowed, e.g. "prepare_data0_0.050000.txt".
 #include "screening/prepared_file.h"
 
 #include <algorithm>
-#include <iostream>
-#include <string>
 #include <string_view>
 
-#include "common/diagnostics.h"
-#include "common/end_program.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
+#include "common/stop.h"
 #include "common/text_input.h"
 #include "screening/five_model_test.h"
-#include "screening/genotype_data.h"
-#include "screening/globals.h"
-#include "screening/screening.h"
 
 namespace vort {
 
 namespace {
 
-int files_saved = 0;
-int files_read = 0;
-
-std::string prepared_file_name(int n) {
-    std::string name = Datapath + "prepare_data" + std::to_string(n);
-    if (not_over_missing_marker_drop_ratio != 1.0) {
-        name += '_';
-        name += fixed(not_over_missing_marker_drop_ratio).view();
+class PreparedFile {
+  public:
+    PreparedFile(const std::string& path, Diagnostics& diagnostics)
+        : path_(path), input_(path), diagnostics_(diagnostics) {
+        if (!input_.is_open()) stop("find error when opening file " + path + '\n');
     }
-    return name + ".txt";
-}
 
-int prepared_length() {
-    return std::min(Save_marker_length, Marker);
-}
-
-void write_marker(OutputFile& file, int column) {
-    double pvalue[4];
-    GenotypeCounts counts[2];
-    calculate_pvalue4_and_freq(Y, X, Marker, Sample, column, pvalue, counts[0].count,
-                               counts[1].count);
-    file << column << '\t';
-    for (const GenotypeCounts& group : counts) {
-        for (const int count : group.count) file << count << '\t';
-    }
-    file << '\n';
-}
-
-void check_turn(int n) {
-    if (n == files_read) return;
-    std::cout << "find error when open prepare data file current num=" << files_read
-              << " but permut=" << n << '\n';
-    end_program();
-}
-
-void read_phenotypes(TextInput& input, const std::string& name) {
-    std::string_view line;
-    input.line(line);
-    for (int i = 0; i < Sample; ++i) {
-        const std::size_t at = 2 * static_cast<std::size_t>(i);
-        if (at >= line.size()) {
-            diagnose("phenotypes missing", name, 1,
-                     std::to_string(i) + " phenotypes, " + std::to_string(Sample) +
-                         " expected; the others are taken as 0");
-            std::fill(Y + i, Y + Sample, static_cast<short>(0));
-            return;
+    std::vector<short> phenotypes(int individuals) {
+        std::vector<short> read(static_cast<std::size_t>(individuals));
+        std::string_view line;
+        input_.line(line);
+        for (std::size_t i = 0; i < read.size(); ++i) {
+            const std::size_t at = 2 * i;
+            if (at >= line.size()) {
+                say("phenotypes missing", 1,
+                    std::to_string(i) + " phenotypes, " + std::to_string(individuals) +
+                        " expected; the others are taken as 0");
+                return read;
+            }
+            read[i] = static_cast<short>(line[at] - '0');
+            const bool followed = at + 1 == line.size() || line[at + 1] == ' ';
+            if ((line[at] != '0' && line[at] != '1') || !followed) {
+                say("prepared phenotypes other than 0 and 1", 1,
+                    "0 or 1 and a blank were expected for individual " + std::to_string(i + 1));
+            }
         }
-        Y[i] = static_cast<short>(line[at] - '0');
-        const bool followed = at + 1 == line.size() || line[at + 1] == ' ';
-        if ((line[at] != '0' && line[at] != '1') || !followed) {
-            diagnose("prepared phenotypes other than 0 and 1", name, 1,
-                     "0 or 1 and a blank were expected for individual " + std::to_string(i + 1));
+        if (line.find_first_not_of(' ', 2 * read.size()) != std::string_view::npos) {
+            say("prepared phenotypes too many", 1,
+                "more than the " + std::to_string(individuals) + " phenotypes expected");
         }
+        return read;
     }
-    if (line.find_first_not_of(' ', 2 * static_cast<std::size_t>(Sample)) != line.npos) {
-        diagnose("prepared phenotypes too many", name, 1,
-                 "more than the " + std::to_string(Sample) + " phenotypes expected");
-    }
-}
 
-void read_ranking(TextInput& input, const std::string& name, int* ranking) {
-    for (int k = 0; k < prepared_length(); ++k) {
-        int column = 0;
-        int count = 0;
-        input.skip_space();
-        const long line = input.line_number();
-        input.integer(column);
-        for (int c = 0; c < 8; ++c) input.integer(count);
-        if (input.failed()) {
-            diagnose("marker lines that cannot be used", name, line,
-                     "a column and eight counts were expected; column 0 is taken from here on");
-            std::fill(ranking + k, ranking + prepared_length(), 0);
-            return;
+    std::vector<int> ranking(int best, int markers) {
+        std::vector<int> read(static_cast<std::size_t>(best));
+        for (int& column : read) {
+            int count = 0;
+            input_.skip_space();
+            const long line = input_.line_number();
+            int found = 0;
+            input_.integer(found);
+            for (int c = 0; c < 8; ++c) input_.integer(count);
+            if (input_.failed()) {
+                say("marker lines that cannot be used", line,
+                    "a column and eight counts were expected; column 0 is taken from here on");
+                return read;
+            }
+            if (found < 0 || found >= markers) {
+                say("marker lines that cannot be used", line,
+                    "a column below " + std::to_string(markers) + " was expected, not " +
+                        std::to_string(found) + "; column 0 is taken");
+                found = 0;
+            }
+            column = found;
         }
-        if (column < 0 || column >= Marker) {
-            diagnose("marker lines that cannot be used", name, line,
-                     "a column below " + std::to_string(Marker) + " was expected, not " +
-                         std::to_string(column) + "; column 0 is taken");
-            column = 0;
-        }
-        ranking[k] = column;
+        return read;
     }
-}
+
+  private:
+    void say(std::string_view kind, long line, const std::string& text) {
+        diagnostics_.say(kind, path_, line, text);
+    }
+
+    const std::string& path_;
+    TextInput input_;
+    Diagnostics& diagnostics_;
+};
 
 }  // namespace
 
-void save_prepared_file(const std::vector<int>& order) {
-    OutputFile file(prepared_file_name(files_saved++), OutputFile::Mode::kTruncate);
-    if (!file.is_open()) {
-        std::cout << "find error open f_prepare_data_for_VORT \n";
-        end_program();
-    }
-    for (int i = 0; i < Sample; ++i) file << Y[i] << ' ';
+std::string prepared_file_name(const std::string& prefix, int data_set) {
+    return prefix + "prepare_data" + std::to_string(data_set) + '_' +
+           to_text(fixed(kMissingShare)) + ".txt";
+}
+
+void write_prepared_file(const std::string& path, const Genotypes& genotypes,
+                         std::span<const short> phenotypes, std::span<const int> best,
+                         Diagnostics& diagnostics) {
+    OutputFile file(path, OutputFile::Mode::kTruncate, diagnostics);
+    if (!file.is_open()) stop("find error open f_prepare_data_for_VORT \n");
+    for (const short phenotype : phenotypes) file << phenotype << ' ';
     file << '\n';
-    for (int k = 1; k <= prepared_length(); ++k) write_marker(file, order[k] - 1);
-}
-
-int single_marker_test_five_model_drop_missing_diseasemarker_exist_prepare(int* ranking, int n) {
-    check_turn(n);
-    load_data_set_once();
-    const std::string name = prepared_file_name(n);
-    TextInput input(name);
-    if (!input.is_open()) {
-        std::cout << "find error when opening file " << name << '\n';
-        end_program();
+    std::vector<signed char> codes(phenotypes.size());
+    for (const int column : best) {
+        genotypes.unpack(column, codes.data());
+        const MarkerCounts counts = count_genotypes(codes, phenotypes);
+        file << column << '\t';
+        for (const int count : counts.cases.count) file << count << '\t';
+        for (const int count : counts.controls.count) file << count << '\t';
+        file << '\n';
     }
-    read_phenotypes(input, name);
-    read_ranking(input, name, ranking);
-    ++files_read;
-    return 0;
 }
 
-void restart_prepared_files() {
-    files_saved = 0;
-    files_read = 0;
+PreparedDataSet read_prepared_file(const std::string& path, int individuals, int best, int markers,
+                                   Diagnostics& diagnostics) {
+    PreparedFile file(path, diagnostics);
+    PreparedDataSet read;
+    read.phenotypes = file.phenotypes(individuals);
+    read.best = file.ranking(best, markers);
+    return read;
 }
 
 }  // namespace vort

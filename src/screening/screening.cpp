@@ -3,27 +3,30 @@
 // Every marker is tested on its own under four genetic models; its fifth p-value, the "minimum", is
 // the smallest of them and ranks the marker. The console shows, in this order, the markers that
 // pass a fixed threshold under each model and under the minimum, the counts of these lists, and
-// the ranking of all markers. Nothing of a screening outlives the call but the ranking, and the
-// console lines.
+// the ranking of all markers. Of a ranking only the best markers are kept.
 //
-// The data sets of a run are counted together (counted_data_sets.h) and tested one by one
-// (minimum_screening.h). Cost, for a marker and data set: three bits for each individual, one
-// p-value, a share of the sort, a line on the console.
+// The data sets of a run differ in who is a case, not in the genotypes, so a batch of them goes
+// through the genotypes together, stretch of markers by stretch (stretch_screening.h). What a batch
+// leaves is a p-value for each marker and data set; then each data set is ranked and told. Threads
+// share the stretches first and the data sets then, and data sets are handed on in order. A batch
+// has as many data sets as the memory for its p-values allows, so how many there are altogether
+// does not count.
+//
+// Cost, for a marker and data set: three bits for each individual, one p-value, a share of the
+// sort, and a line where somebody wants it. Without lines the sort goes only as deep as the markers
+// that are kept.
 #include "screening/screening.h"
 
 #include <algorithm>
 #include <ctime>
-#include <iostream>
-#include <optional>
+#include <memory>
 
-#include "common/line_writer.h"
-#include "common/number_text.h"
-#include "screening/counted_data_sets.h"
+#include "common/decimal_digits.h"
+#include "common/large_array.h"
+#include "common/parallel.h"
+#include "common/workspaces.h"
+#include "numeric/keyed_sort.h"
 #include "screening/fdr_report.h"
-#include "screening/genotype_data.h"
-#include "screening/globals.h"
-#include "screening/marker_pvalues.h"
-#include "screening/minimum_screening.h"
 #include "screening/prepared_file.h"
 
 namespace vort {
@@ -31,117 +34,197 @@ namespace vort {
 namespace {
 
 constexpr int kMinimum = kModels;  // the minimum's place among the model names
+constexpr int kMostAtOnce = 64;    // data sets of a batch
 
-void print_findings(int model, const std::vector<Finding>& findings) {
+void print_findings(Transcript& out, int model, const std::vector<Finding>& findings) {
     for (const auto& [marker, pvalue] : findings) {
-        std::cout << "model=" << modelname[model] << " i=" << marker
-                  << " pvalue=" << general(pvalue) << '\n';
+        out << "model=" << kModelNames[model] << " i=" << marker << " pvalue=" << general(pvalue)
+            << '\n';
     }
 }
 
-void print_lists(const ScreeningResult& result) {
-    for (int model = 0; model < kModels; ++model) print_findings(model, result.significant[model]);
-    print_findings(kMinimum, result.minimum_significant);
+void print_lists(Transcript& out, const Findings& all) {
     for (int model = 0; model < kModels; ++model) {
-        std::cout << "model=" << modelname[model]
-                  << " # of marker's pvalue<0.002=" << result.significant[model].size() << '\n';
+        print_findings(out, model, all.significant[model]);
     }
-    std::cout << "model=" << modelname[kMinimum]
-              << " # of marker's pvalue<0.002/4=" << result.minimum_significant.size() << '\n';
+    print_findings(out, kMinimum, all.minimum_significant);
     for (int model = 0; model < kModels; ++model) {
-        std::cout << "model=" << modelname[model]
-                  << " # of marker's missing num than 20=" << result.dropped_significant[model]
-                  << " total_count_drop_diseasemaker=" << result.dropped << '\n';
+        out << "model=" << kModelNames[model]
+            << " # of marker's pvalue<0.002=" << all.significant[model].size() << '\n';
+    }
+    out << "model=" << kModelNames[kMinimum]
+        << " # of marker's pvalue<0.002/4=" << all.minimum_significant.size() << '\n';
+    for (int model = 0; model < kModels; ++model) {
+        out << "model=" << kModelNames[model]
+            << " # of marker's missing num than 20=" << all.dropped_significant[model]
+            << " total_count_drop_diseasemaker=" << all.dropped << '\n';
     }
 }
 
-void print_ranking(const std::vector<KeyedIndex>& ranked) {
-    LineWriter out(std::cout);
+char* put(std::string_view piece, char* at) {
+    return at + piece.copy(at, piece.size());
+}
+
+// Half of what the console shows, so put together in place.
+void print_ranking(Transcript& out, std::span<const KeyedIndex> ranked) {
+    constexpr std::size_t kLongestLine = 128;
     DecimalDigits k(0);
     for (const auto& [pvalue, marker] : ranked) {
         const DecimalDigits ref(marker - 1);
         k = k.next();
-        out.end(out.begin()
-                    .integer(k)
-                    .text(" index=")
-                    .integer(ref.next())
-                    .text(" pvalue=")
-                    .general(pvalue)
-                    .text(" ref=")
-                    .integer(ref));
+        char* at = k.write(out.room(kLongestLine));
+        at = ref.next().write(put(" index=", at));
+        at = general(pvalue).write(put(" pvalue=", at));
+        at = ref.write(put(" ref=", at));
+        *at++ = '\n';
+        out.used(at);
     }
 }
 
-// Prints what there is to say and stores the ranking; leaves result.minimum sorted.
-void show(ScreeningResult& result, std::time_t start, int* ranking) {
-    std::cout << "time of pvalue " << static_cast<long>(std::time(nullptr) - start) << '\n';
-    print_lists(result);
-    sort_keyed(result.minimum);
-    for (std::size_t k = 0; k < result.minimum.size(); ++k) {
-        ranking[k] = result.minimum[k].index - 1;
+// All data sets of one batch.
+class Batch {
+  public:
+    Batch(const ScreeningStudy& study, const PhenotypeRows& phenotypes, int first, int count,
+          double* minima)
+        : study_(study),
+          cases_(phenotypes, first, count),
+          minima_{minima, static_cast<std::size_t>(study.genotypes.markers())} {}
+
+    void test(int threads) {
+        const int markers = study_.genotypes.markers();
+        const std::time_t start = std::time(nullptr);
+        const std::size_t stretches = (minima_.markers + kStretch - 1) / kStretch;
+        findings_.resize(stretches);
+        Workspaces<StretchScreening> spaces([this] { return StretchScreening(study_, cases_); });
+        for_each_index(threads, stretches, [&](std::size_t s) {
+            findings_[s].resize(static_cast<std::size_t>(cases_.count()));
+            const int from = static_cast<int>(s) * kStretch;
+            spaces.borrow()->screen(from, std::min(kStretch, markers - from), minima_,
+                                    findings_[s]);
+        });
+        seconds_ = static_cast<long>(std::time(nullptr) - start);
     }
-    print_ranking(result.minimum);
-    std::cout.flush();
+
+    int count() const { return cases_.count(); }
+    long seconds() const { return seconds_; }
+    std::span<const double> minima(int d) const { return {minima_.row(d), minima_.markers}; }
+    Findings findings(int d) const {
+        Findings all;
+        for (const auto& stretch : findings_) all.add(stretch[static_cast<std::size_t>(d)]);
+        return all;
+    }
+
+  private:
+    static constexpr int kStretch = StretchScreening::kStretch;
+
+    const ScreeningStudy& study_;
+    CasePlanes cases_;
+    MinimaRows minima_;
+    std::vector<std::vector<Findings>> findings_;  // of each stretch, for each data set
+    long seconds_ = 0;
+};
+
+class Screening {
+  public:
+    Screening(const Genotypes& genotypes, const PhenotypeRows& phenotypes, MarkerTable& table,
+              const ScreeningOptions& options, Diagnostics& diagnostics)
+        : phenotypes_(phenotypes),
+          table_(table),
+          options_(options),
+          diagnostics_(diagnostics),
+          sizes_(group_sizes(phenotypes)),
+          study_{genotypes, sizes_, missing_limits(sizes_), best_instructions()},
+          rankings_([this] { return std::vector<KeyedIndex>(markers()); }) {}
+
+    void run(const TakeScreened& take);
+
+  private:
+    static GroupSizes group_sizes(const PhenotypeRows& phenotypes) {
+        const std::vector<short> observed = phenotypes.row(0);
+        const auto cases = std::count(observed.begin(), observed.end(), 1);
+        return {static_cast<int>(cases),
+                static_cast<int>(static_cast<std::ptrdiff_t>(observed.size()) - cases)};
+    }
+    std::size_t markers() const { return static_cast<std::size_t>(study_.genotypes.markers()); }
+    int batch_size() const;
+    ScreenedDataSet rank(const Batch& batch, int first, int d);
+    void report(int row, std::span<const KeyedIndex> ranked, ScreenedDataSet& out);
+
+    const PhenotypeRows& phenotypes_;
+    MarkerTable& table_;
+    const ScreeningOptions& options_;
+    Diagnostics& diagnostics_;
+    GroupSizes sizes_;
+    ScreeningStudy study_;
+    Workspaces<std::vector<KeyedIndex>> rankings_;
+};
+
+int Screening::batch_size() const {
+    const std::size_t row = std::max<std::size_t>(markers() * sizeof(double), 1);
+    return static_cast<int>(std::clamp<std::size_t>(options_.batch_bytes / row, 1, kMostAtOnce));
 }
 
-std::vector<int> order_of(const ScreeningResult& ranked) {
+ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
+    ScreenedDataSet out;
+    out.transcript = Transcript(options_.transcript);
+    const auto ranked = rankings_.borrow();
+    const std::span<const double> minima = batch.minima(d);
+    for (std::size_t j = 0; j < minima.size(); ++j) {
+        (*ranked)[j] = {minima[j], static_cast<int>(j) + 1};
+    }
+    const std::size_t kept = std::min(markers(), static_cast<std::size_t>(options_.kept));
+    const bool whole = options_.transcript || !options_.fdr_report.empty();
+    sort_keyed(*ranked, whole ? markers() : std::max<std::size_t>(kept, 1));
+    if (markers() > 0) out.smallest_pvalue = ranked->front().key;
+    for (std::size_t k = 0; k < kept; ++k) out.best.push_back((*ranked)[k].index - 1);
+    if (options_.transcript) {
+        out.transcript << "time of pvalue " << batch.seconds() << '\n';
+        print_lists(out.transcript, batch.findings(d));
+        print_ranking(out.transcript, *ranked);
+    }
+    report(first + d, *ranked, out);
+    return out;
+}
+
+void Screening::report(int row, std::span<const KeyedIndex> ranked, ScreenedDataSet& out) {
+    if (!options_.prepared_prefix.empty()) {
+        write_prepared_file(prepared_file_name(options_.prepared_prefix, row), study_.genotypes,
+                            phenotypes_.row(row), out.best, diagnostics_);
+    }
+    if (row > 0 || options_.fdr_report.empty()) return;
     std::vector<int> order{0};
-    for (const KeyedIndex& item : ranked.minimum) order.push_back(item.index);
-    return order;
+    for (const KeyedIndex& item : ranked) order.push_back(item.index);
+    write_fdr_report(options_.fdr_report, test_all_markers(study_.genotypes, phenotypes_.row(row)),
+                     order, table_, out.transcript, diagnostics_);
 }
 
-bool reports_wanted() {
-    return write_FDR_result != 0 || save_pre != 0;
+void Screening::run(const TakeScreened& take) {
+    const int rows = phenotypes_.count();
+    const int at_once = std::min(batch_size(), rows);
+    LargeArray<double> minima(static_cast<std::size_t>(at_once) * markers());
+    for (int first = 0; first < rows; first += at_once) {
+        Batch batch(study_, phenotypes_, first, std::min(at_once, rows - first), minima.data());
+        batch.test(options_.threads);
+        for_each_in_order(
+            options_.threads, static_cast<std::size_t>(batch.count()),
+            [&](std::size_t d) { return rank(batch, first, static_cast<int>(d)); },
+            [&](std::size_t d, ScreenedDataSet screened) {
+                take(first + static_cast<int>(d), std::move(screened));
+            });
+    }
 }
 
 }  // namespace
 
-int single_marker_test_five_model_drop_missing_diseasemarker1(int* ranking) {
-    load_data_set_once();
-    std::optional<FdrReport> report;
-    if (orginal_data != 0 && write_FDR_result != 0) report.emplace();
-
-    const std::time_t start = std::time(nullptr);
-    const MarkerPvalues all = test_all_markers();
-    ScreeningResult result = result_of(all);
-    show(result, start, ranking);
-
-    const std::vector<int> order = order_of(result);
-    if (save_pre != 0) save_prepared_file(order);
-    if (report) report->write(all, order);
-    return 0;
+MissingLimits missing_limits(GroupSizes sizes) {
+    return {static_cast<int>(sizes.cases * kMissingShare),
+            static_cast<int>(sizes.controls * kMissingShare)};
 }
 
-struct DataSetScreening::Counts {
-    Counts(std::span<short* const> phenotypes, std::span<int* const> rankings, GroupSizes sizes)
-        : instructions(best_instructions()),
-          counted(X, Sample, Marker, phenotypes, rankings, instructions),
-          screening(counted, Marker, sizes, missing_limits(), instructions) {}
-
-    Instructions instructions;
-    CountedDataSets counted;
-    MinimumScreening screening;
-};
-
-DataSetScreening::DataSetScreening(std::span<short* const> phenotypes,
-                                   std::span<int* const> rankings)
-    : phenotypes_(phenotypes), rankings_(rankings) {
-    const GroupSizes sizes{samplesize[1], samplesize[0]};
-    if (reports_wanted() || !MinimumScreening::fits(sizes)) return;
-    counts_ = std::make_unique<Counts>(phenotypes, rankings, sizes);
-    if (!counts_->counted.ready()) counts_.reset();
-}
-
-DataSetScreening::~DataSetScreening() = default;
-
-void DataSetScreening::screen(int d) {
-    std::copy_n(phenotypes_[d], Sample, Y);
-    if (counts_ == nullptr) {
-        single_marker_test_five_model_drop_missing_diseasemarker1(rankings_[d]);
-        return;
-    }
-    const std::time_t start = std::time(nullptr);
-    show(counts_->screening.screen(rankings_[d]), start, rankings_[d]);
+void screen_data_sets(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
+                      MarkerTable& table, const ScreeningOptions& options, Diagnostics& diagnostics,
+                      const TakeScreened& take) {
+    Screening(genotypes, phenotypes, table, options, diagnostics).run(take);
 }
 
 }  // namespace vort

@@ -1,40 +1,47 @@
-// Tests every marker of one data set and ranks them all; see the essay in screening.cpp.
+// Tests every marker of every data set and ranks them all; see the essay in screening.cpp.
 #pragma once
 
-#include <memory>
-#include <span>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "common/diagnostics.h"
+#include "common/transcript.h"
+#include "genotypes/genotypes.h"
+#include "genotypes/marker_table.h"
+#include "screening/phenotype_rows.h"
+#include "screening/stretch_screening.h"
 
 namespace vort {
 
-// Screens the markers of `X` against the current `Y`, prints the significant ones and the whole
-// ranking, and fills ranking[0 .. Marker-1] with 0-based columns, the smallest p-value first.
-// Loads the data set at the first call. Returns 0.
-int single_marker_test_five_model_drop_missing_diseasemarker1(int* ranking);
+// What a run may want of its screening beside the ranking.
+struct ScreeningOptions {
+    int threads = 1;
+    bool transcript = true;  // the console's lists and rankings
+    int kept = 0;            // best markers of each data set to be kept; at most all
+    std::size_t batch_bytes = std::size_t{48} << 20;  // for the smallest p-values of a batch
 
-// Takes ranking and phenotypes from prepared file n instead. Files are consumed strictly in the
-// order 0, 1, 2, ...; any other n ends the program, as does a file that cannot be opened. Elements
-// of `ranking` past the file's length are left alone. Returns 0.
-int single_marker_test_five_model_drop_missing_diseasemarker_exist_prepare(int* ranking, int n);
-
-// Many data sets of the same individuals, screened from one pass over the genotypes. What each
-// screening prints and returns is what the function above would with `Y` set to its phenotypes.
-class DataSetScreening {
-  public:
-    // phenotypes[d]: `Sample` phenotypes of data set d, as many cases in each as in the data set
-    // file; rankings[d]: room for `Marker` ints, which hold packed counts until data set d is
-    // screened. The data set must be loaded. Both are not owned.
-    DataSetScreening(std::span<short* const> phenotypes, std::span<int* const> rankings);
-    ~DataSetScreening();
-
-    // Screens data set d, once; sets `Y` to its phenotypes.
-    void screen(int d);
-
-  private:
-    struct Counts;
-
-    std::span<short* const> phenotypes_;
-    std::span<int* const> rankings_;
-    std::unique_ptr<Counts> counts_;  // null where each data set counts for itself
+    std::string fdr_report;       // path of the observed data set's FDR report; none where empty
+    std::string prepared_prefix;  // of prepared files of the best markers; none where empty
 };
+
+// What is left of one data set's screening.
+struct ScreenedDataSet {
+    std::vector<int> best;         // columns (from 0) by ascending p-value, `kept` of them
+    double smallest_pvalue = 1;    // 1 where there is no marker
+    Transcript transcript{false};  // what the console shows of it
+};
+
+// Gets data set d = 0, 1, 2, ... in this order, one at a time.
+using TakeScreened = std::function<void(int d, ScreenedDataSet&& screened)>;
+
+// Screens all rows of `phenotypes`: cases and controls of row 0, which shuffling does not change.
+// `table` names markers in the FDR report.
+void screen_data_sets(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
+                      MarkerTable& table, const ScreeningOptions& options, Diagnostics& diagnostics,
+                      const TakeScreened& take);
+
+// Bytes that a screening takes beside its inputs.
+double screening_bytes(double markers, double individuals, const ScreeningOptions& options);
 
 }  // namespace vort

@@ -1,0 +1,76 @@
+// The ensemble stage: a model for the observed data set, the same on every permuted one.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "common/settings.h"
+#include "ensemble/model_stage.h"
+#include "ensemble/result.h"
+#include "screening/phenotype_rows.h"
+
+namespace vort {
+
+// What was screened and loaded.
+struct ScreenedStudy {
+    const Genotypes& genotypes;
+    const PhenotypeRows& phenotypes;
+    std::span<const std::vector<int>> best;  // of each data set, columns by rank
+};
+
+struct EnsembleOptions {
+    int threads = 1;
+    bool transcript = true;
+    // Gets console text as it comes.
+    std::function<void(std::string_view)> console;
+    // Gets the statistic of each permuted data set k = 0, 1, 2, ... as it comes.
+    std::function<void(int k, double statistic)> progress;
+};
+
+// What two intermediate files of an earlier form of the program held after the data set that was
+// worked on last. A run that stops within the stage leaves them; nobody sees them otherwise.
+struct IntermediateTexts {
+    std::string design;        // "output_X_Y.txt"
+    std::string coefficients;  // "beta.txt"
+};
+
+class EnsembleStage {
+  public:
+    // Nothing is owned but settings and options.
+    EnsembleStage(const ScreenedStudy& study, const Settings& settings, EnsembleOptions options);
+
+    // Stops where the settings ask for more than was screened, and where a data set cannot be
+    // worked on.
+    Result run();
+
+    // After a stop.
+    IntermediateTexts intermediate_texts() const;
+
+  private:
+    void announce();
+    void check_against_screening() const;
+    void keep_last(const ModelledDataSet& modelled);
+    void analyse_observed();
+    void record_base_learners(const Design& design, const std::vector<double>& beta,
+                              const std::vector<double>& mean_square, Transcript& out);
+    void record_group(const ClusterRecord& record, int q, int g, int recorded, int b, double beta,
+                      double mean_square, Transcript& out);
+    bool select_markers();
+    void analyse_permutations();
+    void list_markers();
+    void say(const Transcript& text) { options_.console(text.text()); }
+
+    ScreenedStudy study_;
+    Settings settings_;
+    EnsembleOptions options_;
+    ModelStage models_;
+    Result result_;
+    std::vector<double> importance_;  // of markers 1 .. m
+    std::vector<char> selected_;      // markers of positive importance, elements 0 .. m
+    std::optional<Design> last_design_;
+    std::optional<Selection> last_selection_;
+};
+
+}  // namespace vort

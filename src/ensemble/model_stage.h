@@ -1,0 +1,77 @@
+// Builder and selector on one data set after another.
+//
+// Data sets are worked on in windows, side by side. A window goes phase by phase: intake, search,
+// scores, design and selection. The search draws no random numbers and tells how many the rest will
+// draw, so that each data set's place in the sequence is a sum over those before it.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "common/settings.h"
+#include "common/transcript.h"
+#include "csm/builder.h"
+#include "csm/design.h"
+#include "genotypes/genotypes.h"
+#include "lars/selector.h"
+#include "numeric/generator.h"
+#include "screening/phenotype_rows.h"
+
+namespace vort {
+
+// The statistic of a data set that has no base learner.
+constexpr double kNoStatistic = 2147483647.0;
+
+struct ModelledDataSet {
+    double statistic = kNoStatistic;     // S = Cp(stop) / Cp(0)
+    std::optional<Design> design;        // once it is built
+    std::optional<Selection> selection;  // where the design has columns
+    PairSearchStatistics pair_search;
+    Transcript transcript{false};
+};
+
+class ModelStage {
+  public:
+    // best[d]: columns of data set d by rank, at least m. Nothing is owned but the settings.
+    ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
+               std::span<const std::vector<int>> best, const BuilderSettings& settings, int threads,
+               bool wanted);
+
+    // Gets data sets in order. One whose run stops is handed on as far as it came, and its Stop is
+    // thrown then.
+    using Take = std::function<void(int d, const ModelledDataSet& modelled)>;
+
+    // Data sets first .. first + count - 1; every call goes on where the one before ended.
+    void run(int first, int count, const Take& take);
+
+    // Bytes that the stage takes.
+    static double bytes(double individuals, double markers, double columns, int threads);
+
+  private:
+    struct Work;
+
+    int window_size() const;
+    void run_window(int first, int count, const Take& take);
+    void take_data(std::vector<Work>& window);
+    void search(std::vector<Work>& window);
+    void place_draws(std::vector<Work>& window);
+    void score(std::vector<Work>& window);
+    void finish(Work& work);
+    // Outer loops over data sets where there are enough of them, else loops within each.
+    template <typename Body>
+    void for_each_work(std::vector<Work>& window, Body body);
+
+    const Genotypes& genotypes_;
+    const PhenotypeRows& phenotypes_;
+    std::span<const std::vector<int>> best_;
+    BuilderSettings settings_;
+    int threads_;
+    bool wanted_;
+    Generator next_draw_;        // where the next data set's draws begin
+    bool quantitative_ = false;  // a phenotype so far was neither 0 nor 1
+    bool method_told_ = false;   // the method of clustering, on the console
+};
+
+}  // namespace vort
