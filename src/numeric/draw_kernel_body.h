@@ -5,7 +5,7 @@
 
 #include "numeric/draw_kernel.h"
 
-#ifdef __BMI2__
+#ifdef __AVX2__
 #include <immintrin.h>
 #endif
 
@@ -51,12 +51,44 @@ template <Instructions kInstructions>
 #endif
 }
 
+template <Instructions kInstructions>
+struct StartRegister;
+
+template <>
+struct StartRegister<Instructions::kPortable> {
+    using Ints [[gnu::vector_size(16)]] = int;
+};
+
+template <>
+struct StartRegister<Instructions::kWide> {
+    using Ints [[gnu::vector_size(32)]] = int;
+};
+
+// One register for a whole node takes longer than two, which are stored and loaded again sooner.
+template <>
+struct StartRegister<Instructions::kWidest> : StartRegister<Instructions::kWide> {};
+
 // The starts of a node, in as many registers as they need.
 template <Instructions kInstructions>
 struct Starts {
-    static constexpr int kSize = kInstructions == Instructions::kPortable ? 4 : 8;
+    using Ints = typename StartRegister<kInstructions>::Ints;
+    static constexpr int kSize = sizeof(Ints) / sizeof(int);
     static constexpr int kRegisters = ItemTree::kChildren / kSize;
-    using Ints [[gnu::vector_size(sizeof(int) * kSize)]] = int;
+
+    // How many of all elements are -1, where the others are 0.
+    [[gnu::always_inline]] static int count(const Ints (&flags)[kRegisters]) {
+#ifdef __AVX2__
+        const auto packed = _mm256_packs_epi32(reinterpret_cast<__m256i>(flags[0]),
+                                               reinterpret_cast<__m256i>(flags[1]));
+        return __builtin_popcount(_mm256_movemask_epi8(packed)) / 2;
+#else
+        Ints sums{};
+        for (const Ints& each : flags) sums -= each;
+        int sum = 0;
+        for (int i = 0; i < kSize; ++i) sum += sums[i];
+        return sum;
+#endif
+    }
 
     // The child that holds the k-th item, which is taken from those behind.
     [[gnu::always_inline]] static int take(int* starts, int k) {
@@ -68,10 +100,7 @@ struct Starts {
             start += above[r];
             std::memcpy(starts + r * kSize, &start, sizeof start);
         }
-        for (int r = 1; r < kRegisters; ++r) above[0] += above[r];
-        int sum = ItemTree::kChildren - 1;
-        for (int i = 0; i < kSize; ++i) sum += above[0][i];
-        return sum;
+        return ItemTree::kChildren - 1 - count(above);
     }
 };
 
@@ -85,18 +114,20 @@ void DrawKernel<kInstructions>::positions(const Generator::Stretch& from, int si
 
 template <Instructions kInstructions>
 void DrawKernel<kInstructions>::take_items(const ItemTree& tree, int n, int* item) {
-    for (int c = 0; c < n; ++c) {
-        int k = item[c];
-        std::size_t node = 0;
-        for (int l = tree.levels - 1; l >= 0; --l) {
-            int* const starts = tree.starts[l] + node * ItemTree::kChildren;
-            const int child = drawing::Starts<kInstructions>::take(starts, k);
-            k -= starts[child];
-            node = node * ItemTree::kChildren + child;
+    int node[Generator::kStretch] = {};
+    for (int l = tree.levels - 1; l >= 0; --l) {
+        for (int c = 0; c < n; ++c) {
+            int* const starts = tree.nodes[l][node[c]].start;
+            const int child = drawing::Starts<kInstructions>::take(starts, item[c]);
+            item[c] -= starts[child];
+            node[c] = node[c] * ItemTree::kChildren + child;
         }
-        const int bit = drawing::place_of_bit<kInstructions>(tree.words[node], k);
-        tree.words[node] ^= std::uint64_t{1} << bit;
-        item[c] = static_cast<int>(node * 64 + bit);
+    }
+    for (int c = 0; c < n; ++c) {
+        std::uint64_t& word = tree.words[node[c]];
+        const int bit = drawing::place_of_bit<kInstructions>(word, item[c]);
+        word ^= std::uint64_t{1} << bit;
+        item[c] = node[c] * ItemTree::kBits + bit;
     }
 }
 

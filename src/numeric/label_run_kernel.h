@@ -29,8 +29,7 @@ struct LabelRunKernel {
     // For the first `orders` lanes draws count * 64 labels, at most Generator::kStretch, and moves
     // the ends; `left` items are left before the first draw. The runs' labels are 1, 0, 1, 0.
     // Labels drawn when no item is left mean nothing.
-    static void draw(LabelRunLanes& lanes, int orders, int left, int count,
-                     const LabelPlanes& out);
+    static void draw(LabelRunLanes& lanes, int orders, int left, int count, const LabelPlanes& out);
 };
 
 }  // namespace vort

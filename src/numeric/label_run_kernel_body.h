@@ -45,8 +45,8 @@ struct Lanes<Instructions::kWidest> {
     using Ints [[gnu::vector_size(64)]] = int;
 
     [[gnu::always_inline]] static void zip(Ints& a, Ints& b) {
-        const Ints first = __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21,
-                                                   6, 22, 7, 23);
+        const Ints first =
+            __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
         b = __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15,
                                     31);
         a = first;

@@ -13,7 +13,8 @@ constexpr int kDrawsAtOnce = Generator::kStretch;
 
 }  // namespace
 
-// Runs have labels 1, 0, 1, 0 and end where the label changes; those behind the last item are empty.
+// Runs have labels 1, 0, 1, 0 and end where the label changes; those behind the last item are
+// empty.
 LabelRuns::LabelRuns(std::span<const unsigned char> labels, Instructions instructions)
     : instructions_(instructions), labels_(labels.begin(), labels.end()) {
     std::fill(std::begin(ends_), std::end(ends_), n());

@@ -20,6 +20,7 @@
 #include <span>
 #include <vector>
 
+#include "numeric/draw_kernel.h"
 #include "numeric/generator.h"
 #include "numeric/instructions.h"
 
@@ -33,15 +34,15 @@ class RandomOrder {
         : instructions_(instructions) {}
 
     // order[c] = the item, from 0, that is drawn c-th; takes order.size() draws of the generator.
+    // A number below 0 (see Generator) takes the first item.
     void draw(Generator& generator, std::span<int> order);
 
   private:
-    void fill_words(int n);
-    void fill_starts(int n);
+    ItemTree full_tree(int n);
 
     Instructions instructions_;
     std::vector<std::uint64_t> words_;
-    std::vector<std::vector<int>> starts_;  // of the levels, the lowest first
+    std::vector<ItemTree::Node> nodes_[ItemTree::kMostLevels];  // as ItemTree has them
 };
 
 // The same, once.
