@@ -114,7 +114,7 @@ void DrawKernel<kInstructions>::positions(const Generator::Stretch& from, int si
 
 template <Instructions kInstructions>
 void DrawKernel<kInstructions>::take_items(const ItemTree& tree, int n, int* item) {
-    int node[Generator::kStretch] = {};
+    int node[Generator::kStretch] = {};  // where each draw has come to, on the level
     for (int l = tree.levels - 1; l >= 0; --l) {
         for (int c = 0; c < n; ++c) {
             int* const starts = tree.nodes[l][node[c]].start;
