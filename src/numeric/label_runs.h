@@ -11,8 +11,8 @@
 // The k-th item is in the first run whose end is above k, and each end above k moves down by one. A
 // draw is a comparison with each end, whatever the number of items is, and orders are drawn side by
 // side, in lanes of 32-bit integers: where each starts in the generator's sequence is known. Their
-// positions are drawn a word of 64 at a time from the generator's tables, so that a
-// few kilobytes of positions are all that is ever kept.
+// positions are drawn 64 at a time from the generator's tables, so that a few kilobytes of them are
+// all that is ever kept.
 //
 // Labels of more runs, and states of the generator that are on none of its tabulated cycles, are
 // drawn as whole orders (random_order.h), with the same result; few_runs() tells of the first.
