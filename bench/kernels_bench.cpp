@@ -9,11 +9,8 @@
 #include "common/line_writer.h"
 #include "numeric/chi_square_lanes.h"
 #include "numeric/distributions.h"
-#include "numeric/draw_positions.h"
 #include "numeric/index_sort.h"
 #include "numeric/keyed_sort.h"
-#include "numeric/label_lanes.h"
-#include "numeric/random.h"
 
 namespace vort {
 namespace {
@@ -78,53 +75,6 @@ void upper_tails_fast(benchmark::State& state) {
     count_items(state, 1024);
 }
 BENCHMARK(upper_tails_fast)->ArgName("wide")->Arg(0)->Arg(1);
-
-void draws_plain(benchmark::State& state) {
-    for (auto _ : state) {
-        for (int c = 0; c < 1000; ++c) {
-            benchmark::DoNotOptimize(static_cast<int>((1000 - c) * rand1()));
-        }
-    }
-    count_items(state, 1000);
-}
-BENCHMARK(draws_plain);
-
-void draws_fast(benchmark::State& state) {
-    std::vector<int> positions(1000);
-    for (auto _ : state) {
-        draw_positions(1000, positions.data());
-        benchmark::DoNotOptimize(positions.data());
-    }
-    count_items(state, 1000);
-}
-BENCHMARK(draws_fast);
-
-void permuted_labels_plain(benchmark::State& state) {
-    const int n = static_cast<int>(state.range(0));
-    std::vector<int> order(static_cast<std::size_t>(n) + 1);
-    for (auto _ : state) {
-        randomsort(n, order.data());
-        benchmark::DoNotOptimize(order.data());
-    }
-    count_items(state, n);
-}
-BENCHMARK(permuted_labels_plain)->Arg(250)->Arg(1000)->Arg(4000);
-
-void permuted_labels_fast(benchmark::State& state) {
-    const int n = static_cast<int>(state.range(0));
-    std::vector<unsigned char> labels(static_cast<std::size_t>(n));
-    for (std::size_t i = 0; i < labels.size(); i += 2) labels[i] = 1;
-    LabelLanes lanes(labels, best_instructions());
-    std::vector<int> positions(labels.size() * kLanes);
-    std::vector<unsigned char> out(labels.size());
-    for (auto _ : state) {
-        for (int l = 0; l < kLanes; ++l) draw_positions(n, positions.data() + l * n);
-        lanes.draw(positions, out.data());
-        benchmark::DoNotOptimize(out.data());
-    }
-    count_items(state, std::int64_t{kLanes} * n);
-}
-BENCHMARK(permuted_labels_fast)->Arg(250)->Arg(1000)->Arg(4000);
 
 void ranking_lines_plain(benchmark::State& state) {
     const std::vector<double> pvalues = random_keys(1000);

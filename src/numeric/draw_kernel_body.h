@@ -4,180 +4,130 @@
 #include <cstring>
 
 #include "numeric/draw_kernel.h"
-#include "numeric/lanes.h"
+
+#ifdef __AVX2__
+#include <immintrin.h>
+#endif
 
 namespace vort {
 
 namespace drawing {
 
-using Lanes [[gnu::vector_size(2 * kLanes)]] = std::int16_t;
-constexpr Lanes kLane = {0, 1, 2, 3, 4, 5, 6, 7};
-
-// A register of counts: those of one or of two words in all lanes.
+// The loop is one of doubles side by side; the whole part of a number below 3 is that of an int.
 template <Instructions kInstructions>
-struct Counts;
-
-template <>
-struct Counts<Instructions::kPortable> {
-    using Type = Lanes;
-    static constexpr int kWords = 1;
-
-    // A position for each lane, once for each word.
-    [[gnu::always_inline]] static void load(const std::int16_t* from, Type& to) {
-        std::memcpy(&to, from, sizeof to);
-    }
-
-    // The counts of the first and of the last word of a register.
-    [[gnu::always_inline]] static Lanes first(const Type& counts) { return counts; }
-    [[gnu::always_inline]] static Lanes last(const Type&) { return Lanes{}; }
-};
-
-template <>
-struct Counts<Instructions::kWide> {
-    using Type [[gnu::vector_size(32)]] = std::int16_t;
-    static constexpr int kWords = 2;
-
-    [[gnu::always_inline]] static void load(const std::int16_t* from, Type& to) {
-        Lanes once;
-        std::memcpy(&once, from, sizeof once);
-        to = __builtin_shufflevector(once, once, 0, 1, 2, 3, 4, 5, 6, 7, 0, 1, 2, 3, 4, 5, 6, 7);
-    }
-
-    [[gnu::always_inline]] static Lanes first(const Type& counts) {
-        return __builtin_shufflevector(counts, counts, 0, 1, 2, 3, 4, 5, 6, 7);
-    }
-    [[gnu::always_inline]] static Lanes last(const Type& counts) {
-        return __builtin_shufflevector(counts, counts, 8, 9, 10, 11, 12, 13, 14, 15);
-    }
-};
-
-// Four words at once gain nothing; LabelLanes does not ask for them.
-template <>
-struct Counts<Instructions::kWidest> : Counts<Instructions::kWide> {};
-
-// Elements 0 .. 7 of a and b in turn, of their first or of their second halves.
-[[gnu::always_inline]] inline void zip(Lanes& a, Lanes& b) {
-    const Lanes first = __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
-    b = __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
-    a = first;
-}
-
-// Rows become columns.
-[[gnu::always_inline]] inline void transpose(Lanes (&row)[kLanes]) {
-    for (int step = 0; step < 3; ++step) {
-        Lanes next[kLanes];
-        for (int r = 0; r < kLanes / 2; ++r) {
-            next[2 * r] = row[r];
-            next[2 * r + 1] = row[r + kLanes / 2];
-            zip(next[2 * r], next[2 * r + 1]);
-        }
-        std::memcpy(row, next, sizeof next);
-    }
-}
-
-}  // namespace drawing
-
-template <Instructions kInstructions>
-void DrawKernel<kInstructions>::positions(const double* x, const double* y, const double* z,
-                                          int size, int left, int* out) {
+[[gnu::always_inline]] inline void positions(const Generator::Stretch& from, int size, int left,
+                                             int* __restrict out) {
     for (int c = 0; c < size; ++c) {
-        const double sum = x[c] + y[c] + z[c];
+        const double sum = from.x[c] + from.y[c] + from.z[c];
         const double u = sum - static_cast<int>(sum);
         out[c] = static_cast<int>((left - c) * u);
     }
 }
 
-template <Instructions kInstructions>
-void DrawKernel<kInstructions>::interleave(const int* rows, std::size_t n, std::int16_t* out) {
-    std::size_t c = 0;
-    for (; c + kLanes <= n; c += kLanes) {
-        drawing::Lanes block[kLanes];
-        for (int l = 0; l < kLanes; ++l) {
-            for (int k = 0; k < kLanes; ++k) {
-                block[l][k] = static_cast<std::int16_t>(rows[l * n + c + k]);
-            }
-        }
-        drawing::transpose(block);
-        for (int k = 0; k < kLanes; ++k) {
-            std::memcpy(out + (c + k) * kLanes, &block[k], sizeof block[k]);
-        }
-    }
-    for (; c < n; ++c) {
-        for (int l = 0; l < kLanes; ++l) {
-            out[c * kLanes + l] = static_cast<std::int16_t>(rows[l * n + c]);
-        }
-    }
+// How many of eight running counts, a byte each, are not above k.
+[[gnu::always_inline]] inline int bytes_up_to(std::uint64_t counts, std::uint64_t k) {
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    constexpr std::uint64_t kHighs = 0x8080808080808080;
+    const std::uint64_t not_above = ((k * kOnes | kHighs) - counts) & kHighs;
+    return static_cast<int>((not_above >> 7) * kOnes >> 56);
 }
 
-namespace drawing {
+// The place of the k-th bit set (from 0).
+template <Instructions kInstructions>
+[[gnu::always_inline]] inline int place_of_bit(std::uint64_t word, int k) {
+#ifdef __BMI2__
+    return __builtin_ctzll(_pdep_u64(std::uint64_t{1} << k, word));
+#else
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    std::uint64_t counts = word - (word >> 1 & 0x5555555555555555);
+    counts = (counts & 0x3333333333333333) + (counts >> 2 & 0x3333333333333333);
+    counts = ((counts + (counts >> 4)) & 0x0F0F0F0F0F0F0F0F) * kOnes;
+    const int byte = 8 * bytes_up_to(counts, static_cast<std::uint64_t>(k));
+    const int before = static_cast<int>((counts << 8) >> byte & 0xFF);
+    // The bits of the byte, one in each of eight.
+    const std::uint64_t bits = (word >> byte & 0xFF) * kOnes & 0x8040201008040201;
+    const std::uint64_t each = ((bits + 0x7F7F7F7F7F7F7F7F) | bits) >> 7 & kOnes;
+    return byte + bytes_up_to(each * kOnes, static_cast<std::uint64_t>(k - before));
+#endif
+}
 
-// Where the items of a few draws are: the word, as its place among all lanes' words, and the bit.
-struct Places {
-    static constexpr std::size_t kDraws = 32;
+template <Instructions kInstructions>
+struct StartRegister;
 
-    std::uint16_t word[kDraws * kLanes];
-    std::uint16_t bit[kDraws * kLanes];
+template <>
+struct StartRegister<Instructions::kPortable> {
+    using Ints [[gnu::vector_size(16)]] = int;
 };
 
-// Finds the items, and moves the ends of the words as if they had been taken.
-template <Instructions kInstructions>
-[[gnu::always_inline]] inline void find_items(const std::int16_t* positions, std::size_t draws,
-                                              const LabelState& state, Places& out) {
-    using Counts = drawing::Counts<kInstructions>;
-    using Register = typename Counts::Type;
-    std::int16_t* const last_end = state.ends + state.words * kLanes;
-    const auto words = static_cast<std::int16_t>(state.words);
-    for (std::size_t c = 0; c < draws; ++c) {
-        Register position;
-        Counts::load(positions + c * kLanes, position);
-        Register above{};   // -1 for each end above the position
-        Register before{};  // the last end that is not
-        for (std::int16_t* at = state.ends; at < last_end; at += Counts::kWords * kLanes) {
-            Register end;
-            std::memcpy(&end, at, sizeof end);
-            const Register behind = end > position;
-            before = behind ? before : end;
-            above += behind;
-            end += behind;
-            std::memcpy(at, &end, sizeof end);
-        }
-        const Lanes one = Counts::first(before);
-        const Lanes other = Counts::last(before);
-        const Lanes bit = Counts::first(position) - (one > other ? one : other);
-        const Lanes word = Counts::first(above) + Counts::last(above) + words;
-        const Lanes place = word * kLanes + kLane;
-        std::memcpy(out.bit + c * kLanes, &bit, sizeof bit);
-        std::memcpy(out.word + c * kLanes, &place, sizeof place);
-    }
-}
+template <>
+struct StartRegister<Instructions::kWide> {
+    using Ints [[gnu::vector_size(32)]] = int;
+};
 
-// Takes the item at a bit of a word; returns its label.
-[[gnu::always_inline]] inline std::uint64_t take(std::uint64_t& word, int bit) {
-    const std::uint64_t from_here = word >> bit;
-    const std::uint64_t before = word & ((std::uint64_t{1} << bit) - 1);
-    word = before | from_here >> 1 << bit;
-    return from_here & 1;
-}
+// One register for a whole node takes longer than two, which are stored and loaded again sooner.
+template <>
+struct StartRegister<Instructions::kWidest> : StartRegister<Instructions::kWide> {};
+
+// The starts of a node, in as many registers as they need.
+template <Instructions kInstructions>
+struct Starts {
+    using Ints = typename StartRegister<kInstructions>::Ints;
+    static constexpr int kSize = sizeof(Ints) / sizeof(int);
+    static constexpr int kRegisters = ItemTree::kChildren / kSize;
+
+    // How many of all elements are -1, where the others are 0.
+    [[gnu::always_inline]] static int count(const Ints (&flags)[kRegisters]) {
+#ifdef __AVX2__
+        const auto packed = _mm256_packs_epi32(reinterpret_cast<__m256i>(flags[0]),
+                                               reinterpret_cast<__m256i>(flags[1]));
+        return __builtin_popcount(_mm256_movemask_epi8(packed)) / 2;
+#else
+        Ints sums{};
+        for (const Ints& each : flags) sums -= each;
+        int sum = 0;
+        for (int i = 0; i < kSize; ++i) sum += sums[i];
+        return sum;
+#endif
+    }
+
+    // The child that holds the k-th item, which is taken from those behind.
+    [[gnu::always_inline]] static int take(int* starts, int k) {
+        Ints above[kRegisters];
+        for (int r = 0; r < kRegisters; ++r) {
+            Ints start;
+            std::memcpy(&start, starts + r * kSize, sizeof start);
+            above[r] = start > k;
+            start += above[r];
+            std::memcpy(starts + r * kSize, &start, sizeof start);
+        }
+        return ItemTree::kChildren - 1 - count(above);
+    }
+};
 
 }  // namespace drawing
 
-// Finding an item takes many steps, each waiting for the one before, so that the items of several
-// draws are found before any is taken: the draws then overlap.
 template <Instructions kInstructions>
-void DrawKernel<kInstructions>::labels(const std::int16_t* positions, std::size_t n,
-                                       const LabelState& state, unsigned char* out) {
-    drawing::Places places;
-    for (std::size_t first = 0; first < n; first += drawing::Places::kDraws) {
-        const std::size_t draws = n - first < drawing::Places::kDraws ? n - first : places.kDraws;
-        drawing::find_items<kInstructions>(positions + first * kLanes, draws, state, places);
-        for (std::size_t c = 0; c < draws; ++c) {
-            std::uint64_t taken = 0;
-            for (std::size_t l = 0; l < kLanes; ++l) {
-                const std::size_t k = c * kLanes + l;
-                taken |= drawing::take(state.word[places.word[k]], places.bit[k]) << l;
-            }
-            out[first + c] = static_cast<unsigned char>(taken);
+void DrawKernel<kInstructions>::positions(const Generator::Stretch& from, int size, int left,
+                                          int* out) {
+    drawing::positions<kInstructions>(from, size, left, out);
+}
+
+template <Instructions kInstructions>
+void DrawKernel<kInstructions>::take_items(const ItemTree& tree, int n, int* item) {
+    int node[Generator::kStretch] = {};  // where each draw has come to, on the level
+    for (int l = tree.levels - 1; l >= 0; --l) {
+        for (int c = 0; c < n; ++c) {
+            int* const starts = tree.nodes[l][node[c]].start;
+            const int child = drawing::Starts<kInstructions>::take(starts, item[c]);
+            item[c] -= starts[child];
+            node[c] = node[c] * ItemTree::kChildren + child;
         }
+    }
+    for (int c = 0; c < n; ++c) {
+        std::uint64_t& word = tree.words[node[c]];
+        const int bit = drawing::place_of_bit<kInstructions>(word, item[c]);
+        word ^= std::uint64_t{1} << bit;
+        item[c] = node[c] * ItemTree::kBits + bit;
     }
 }
 

@@ -1,4 +1,4 @@
-// The process-wide uniform generator and the shuffles built on it.
+// The process-wide uniform generator (numeric/generator.h) and the shuffles built on it.
 //
 // Every run draws the same numbers: the state starts at fixed seeds and only init_rand1() resets
 // it. How many numbers a function draws is therefore part of what it promises.

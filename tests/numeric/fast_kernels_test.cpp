@@ -3,17 +3,13 @@
 
 #include <cmath>
 #include <random>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "numeric/chi_square_lanes.h"
 #include "numeric/distributions.h"
-#include "numeric/draw_positions.h"
 #include "numeric/index_sort.h"
 #include "numeric/keyed_sort.h"
-#include "numeric/label_lanes.h"
-#include "numeric/random.h"
 
 namespace vort {
 namespace {
@@ -46,56 +42,6 @@ TEST(KeyedSort, OrdersTiesAsThePlainIndexSortDoes) {
             std::vector<KeyedIndex> sorted = items;
             sort_keyed(sorted, instructions);
             for (int i = 1; i <= n; ++i) ASSERT_EQ(sorted[i - 1].index, index[i]) << "at " << i;
-        }
-    }
-}
-
-TEST(DrawPositions, AreThoseOfSingleDraws) {
-    // The first state, states in the middle of a cycle and one step before its end, and states that
-    // are on no cycle.
-    const int starts[][3] = {{1, 3, 5}, {12345, 30306, 777}, {177, 3, 5},
-                             {0, 3, 5}, {1, 1, 5},           {1, 10103, 5}};
-    for (const auto& [x, y, z] : starts) {
-        for (const int n : {0, 1, 2, 63, 64, 65, 1000, 70000}) {
-            SCOPED_TRACE(::testing::Message() << x << ' ' << y << ' ' << n);
-            std::vector<int> fast(static_cast<std::size_t>(n));
-            std::tie(RX, RY, RZ) = std::tie(x, y, z);
-            draw_positions(n, fast.data());
-            const std::tuple after(RX, RY, RZ);
-            std::tie(RX, RY, RZ) = std::tie(x, y, z);
-            for (int c = 0; c < n; ++c) {
-                ASSERT_EQ(fast[c], static_cast<int>((n - c) * rand1())) << c;
-            }
-            EXPECT_EQ(after, std::tie(RX, RY, RZ));
-        }
-    }
-    init_rand1();
-}
-
-TEST(LabelLanes, DrawTheLabelsThatAPoolGives) {
-    for (unsigned seed = 1; seed <= 120; ++seed) {
-        SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        const std::size_t n = seed <= 70 ? seed : 1 + random() % 3000;
-        std::vector<unsigned char> labels(n);
-        for (auto& label : labels) label = random() % (1 + seed % 3) == 0 ? 1 : 0;
-        for (const Instructions instructions : instruction_sets()) {
-            LabelLanes lanes(labels, instructions);
-            for (int round = 0; round < 2; ++round) {
-                std::vector<std::vector<unsigned char>> pool(kLanes, labels);
-                std::vector<int> positions(n * kLanes);
-                std::vector<unsigned char> expected(n), drawn(n);
-                for (std::size_t c = 0; c < n; ++c) {
-                    for (std::size_t l = 0; l < kLanes; ++l) {
-                        const auto at = static_cast<int>(random() % (n - c));
-                        positions[l * n + c] = at;
-                        expected[c] |= static_cast<unsigned char>(pool[l][at] << l);
-                        pool[l].erase(pool[l].begin() + at);
-                    }
-                }
-                lanes.draw(positions, drawn.data());
-                ASSERT_EQ(drawn, expected);
-            }
         }
     }
 }

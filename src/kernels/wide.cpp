@@ -1,8 +1,10 @@
 // Compiled with wider instructions where the build has them for this architecture.
 #include "numeric/draw_kernel_body.h"
+#include "numeric/label_run_kernel_body.h"
 
 namespace vort {
 
 template struct DrawKernel<Instructions::kWide>;
+template struct LabelRunKernel<Instructions::kWide>;
 
 }  // namespace vort
