@@ -28,10 +28,17 @@ namespace {
 constexpr int kMaxTerms = 200;
 constexpr double kAccuracy = 3e-7;
 constexpr double kSmallest = 1e-30;
+constexpr const char* kShortSeries = "a too large, ITMAX too small in routing gser\n";
+constexpr const char* kShortFraction = "a too large, ITMAX too small in gcf\n";
 
 [[noreturn]] void domain_error(const char* text) {
     std::cout << text << std::flush;
     std::exit(1);
+}
+
+double told(const Tail& tail) {
+    if (tail.warning != nullptr) std::cout << tail.warning;
+    return tail.value;
 }
 
 // gammln of a half of a whole number, which is what chi-square distributions ask for.
@@ -53,36 +60,8 @@ double away_from_zero(double x) {
     return std::fabs(x) < kSmallest ? kSmallest : x;
 }
 
-}  // namespace
-
-double pchisq(int df, double x) {
-    return gammp(df / 2.0, x / 2.0);
-}
-
-double pnormal(double z) {
-    const double t = z * z / 2.0;
-    return z >= 0.0 ? 0.5 + 0.5 * gammp(0.5, t) : 0.5 - 0.5 * gammp(0.5, t);
-}
-
-double gammp(double a, double x) {
-    if (x < 0.0 || a <= 0.0) domain_error(" error for the input parameter in gammp function\n");
-    double result = 0.0;
-    double gln = 0.0;
-    if (x < a + 1.0) {
-        gser(&result, a, x, &gln);
-        return result;
-    }
-    gcf(&result, a, x, &gln);
-    return 1.0 - result;
-}
-
-void gser(double* gamser, double a, double x, double* gln) {
-    *gln = log_gamma(a);
-    if (x <= 0.0) {
-        if (x < 0.0) domain_error("error input parameter in routing gser\n");
-        *gamser = 0.0;
-        return;
-    }
+// P(a, x) for x > 0.
+Tail series(double a, double x, double gln) {
     double ap = a;
     double del = 1.0 / a;
     double sum = del;
@@ -93,12 +72,11 @@ void gser(double* gamser, double a, double x, double* gln) {
         sum += del;
         converged = std::fabs(del) < std::fabs(sum) * kAccuracy;
     }
-    if (!converged) std::cout << "a too large, ITMAX too small in routing gser\n";
-    *gamser = sum * std::exp(-x + a * std::log(x) - *gln);
+    return {sum * std::exp(-x + a * std::log(x) - gln), converged ? nullptr : kShortSeries};
 }
 
-void gcf(double* gammcf, double a, double x, double* gln) {
-    *gln = log_gamma(a);
+// Q(a, x).
+Tail fraction(double a, double x, double gln) {
     double b = x + 1.0 - a;
     double c = 1.0 / kSmallest;
     double d = 1.0 / b;
@@ -114,8 +92,44 @@ void gcf(double* gammcf, double a, double x, double* gln) {
         h *= del;
         converged = std::fabs(del - 1.0) < kAccuracy;
     }
-    if (!converged) std::cout << "a too large, ITMAX too small in gcf\n";
-    *gammcf = std::exp(-x + a * std::log(x) - *gln) * h;
+    return {std::exp(-x + a * std::log(x) - gln) * h, converged ? nullptr : kShortFraction};
+}
+
+}  // namespace
+
+Tail lower_tail_gamma(double a, double x) {
+    if (x < a + 1.0) return x <= 0.0 ? Tail{0.0, nullptr} : series(a, x, log_gamma(a));
+    const Tail upper = fraction(a, x, log_gamma(a));
+    return {1.0 - upper.value, upper.warning};
+}
+
+Tail lower_tail_chi_square(int df, double x) {
+    return lower_tail_gamma(df / 2.0, x / 2.0);
+}
+
+double pchisq(int df, double x) {
+    return gammp(df / 2.0, x / 2.0);
+}
+
+double pnormal(double z) {
+    const double t = z * z / 2.0;
+    return z >= 0.0 ? 0.5 + 0.5 * gammp(0.5, t) : 0.5 - 0.5 * gammp(0.5, t);
+}
+
+double gammp(double a, double x) {
+    if (x < 0.0 || a <= 0.0) domain_error(kGammaDomain);
+    return told(lower_tail_gamma(a, x));
+}
+
+void gser(double* gamser, double a, double x, double* gln) {
+    *gln = log_gamma(a);
+    if (x < 0.0) domain_error("error input parameter in routing gser\n");
+    *gamser = x <= 0.0 ? 0.0 : told(series(a, x, *gln));
+}
+
+void gcf(double* gammcf, double a, double x, double* gln) {
+    *gln = log_gamma(a);
+    *gammcf = told(fraction(a, x, *gln));
 }
 
 double gammln(double x) {

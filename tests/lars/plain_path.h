@@ -4,133 +4,117 @@
 
 #include <algorithm>
 #include <cmath>
-#include <sstream>
-#include <string>
-#include <utility>
 #include <vector>
 
-#include "common/number_text.h"
+#include "common/transcript.h"
 
 namespace vort::testing {
 
-using Columns = std::vector<std::vector<double>>;
-
-// What a path works on and what it leaves.
-struct Path {
-    Path(Columns x_in, std::vector<double> y_in, int limit_in = 50)
-        : x(std::move(x_in)), y(std::move(y_in)), limit(limit_in), beta(x.size(), 0.0) {
-        e.assign(std::min({std::max<std::size_t>(limit, 1) - 1, x.size(), y.size()}) + 1,
-                 std::vector<double>(y.size(), 0.0));
-    }
-
-    template <typename... T>
-    void print(const T&... items) {
-        std::ostringstream text;
-        (text << ... << items);
-        printed += text.str();
-    }
-
-    Columns x;
-    std::vector<double> y;
-    int limit;
-    std::vector<double> beta;
-    Columns e;
-    int stop = -1;
-    double ratio = -1.0;
-    std::string printed;
-};
+using Values = std::vector<double>;
 
 enum class End { kAllSteps, kGrew, kStagnant, kNoResidual, kNoCoefficient };
 
-inline double plain_product(const std::vector<double>& a, const std::vector<double>& b) {
-    double sum = 0.0;
-    for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
-    return sum;
-}
+// What a path works on and what it leaves.
+struct Path {
+    std::vector<Values> x;
+    Values y;
+    std::size_t max_steps = 49;
+    Values beta = Values(x.size(), 0.0);
+    Values residual = y;
+    int step = -1;
+    double ratio = -1.0;
+    Transcript text = Transcript(true);
+};
 
-inline void negate(std::vector<double>& values) {
-    for (double& value : values) value = -value;
-}
+struct PlainPath {
+    Path& p;
+    std::vector<bool> negative = std::vector<bool>(p.x.size()), active = negative;
+    std::vector<int> order = std::vector<int>(p.x.size());
+    Values c = Values(p.x.size()), rest = {}, rss = {product(p.y, p.y)}, cp = {};
 
-inline End plain_steps(Path& p, std::vector<double>& rss, std::vector<std::size_t>& order,
-                       std::vector<bool>& negative) {
-    const std::size_t n = p.y.size();
-    std::vector<double> c(p.x.size()), rest;
-    std::vector<bool> active(p.x.size(), false);
-    p.e[0] = p.y;
-    rss = {plain_product(p.y, p.y)};
-    for (std::size_t k = 0; k + 1 < p.e.size(); ++k) {
-        const double s = std::sqrt(rss[k] / (static_cast<double>(n) - 1));
-        if (s == 0.0) {
-            p.print("Residual prediction error vector E[", k, "] is zero, at ", k, " step !\n");
-            return End::kNoResidual;
+    static double product(const Values& a, const Values& b) {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
+        return sum;
+    }
+    void turn(std::size_t j) {
+        for (double& value : p.x[j]) value = -value;
+    }
+
+    // False where no column can enter.
+    bool enter(int k, double s, bool turned = false) {
+        std::size_t best = c.size();
+        for (std::size_t j = 0; j < c.size(); ++j) {
+            if (active[j]) continue;
+            c[j] = product(p.x[j], p.residual);
+            if (c[j] < 0) negative[j] = true;
+            c[j] /= s;
+            if (best == c.size() || std::fabs(c[j]) > std::fabs(c[best])) best = j;
         }
-        for (bool positive = true;; positive = false) {
-            std::size_t best = c.size();
-            for (std::size_t j = 0; j < c.size(); ++j) {
-                if (active[j]) continue;
-                c[j] = plain_product(p.x[j], p.e[k]);
-                if (c[j] < 0) negative[j] = true;
-                c[j] /= s;
-                if (best == c.size() || std::fabs(c[j]) > std::fabs(c[best])) best = j;
-            }
-            p.beta[best] = c[best] * s;
-            if (p.beta[best] == 0.0) return End::kNoCoefficient;
-            const bool turn = negative[best] && positive;
-            p.print("find ", turn ? "negative" : "positive", " coefficient at ", best, " beta[",
-                    best, "]=", general(p.beta[best]), '\n');
-            if (turn) negate(p.x[best]);
-            if (turn) continue;
-            active[best] = true;
-            order[best] = k + 1;
-            break;
-        }
+        p.beta[best] = c[best] * s;
+        if (p.beta[best] == 0.0) return false;
+        const bool turns = negative[best] && !turned;
+        p.text << "find " << (turns ? "negative" : "positive") << " coefficient at " << best
+               << " beta[" << best << "]=" << general(p.beta[best]) << '\n';
+        if (turns) turn(best);
+        if (turns) return enter(k, s, true);
+        active[best] = true;
+        order[best] = k + 1;
         rest.push_back(0.0);
         for (std::size_t j = 0; j < c.size(); ++j) {
             if (!active[j]) rest[k] = std::max(rest[k], std::fabs(c[j]));
         }
-        for (std::size_t i = 0; i < n; ++i) {
+        return true;
+    }
+    End step(int k) {
+        const auto n = static_cast<double>(p.y.size());
+        const double s = std::sqrt(rss[k] / (n - 1));
+        if (s == 0.0) {
+            p.text << "Residual prediction error vector E[" << k << "] is zero, at " << k
+                   << " step !\n";
+            return End::kNoResidual;
+        }
+        if (!enter(k, s)) return End::kNoCoefficient;
+        for (std::size_t i = 0; i < p.y.size(); ++i) {
             double fit = 0.0;
             for (std::size_t j = 0; j < c.size(); ++j) {
                 if (p.beta[j] != 0.0) fit += p.beta[j] * p.x[j][i];
             }
-            p.e[k + 1][i] = p.y[i] - fit;
+            p.residual[i] = p.y[i] - fit;
         }
-        const double left = plain_product(p.e[k + 1], p.e[k + 1]);
+        const double left = product(p.residual, p.residual);
         if (k > 0 && rss[k] < left) return End::kGrew;
         rss.push_back(left);
-        p.print("k=", k + 1, ",error=", fixed(left, 13, 15), " nRow=", n, " E2[k] =", fixed(rss[k]),
-                " sigma2=", fixed(rss[0] / static_cast<double>(n)), "\n\n");
-        if (k > 10 &&
-            (rest[k - 10] - rest[k] < 0.05 * rest[0] || rss[k - 10] - rss[k] < 0.01 * rss[0])) {
-            return End::kStagnant;
-        }
+        p.text << "k=" << k + 1 << ",error=" << fixed(left, 13, 15) << " nRow=" << p.y.size()
+               << " E2[k] =" << fixed(rss[k]) << " sigma2=" << fixed(rss[0] / n) << "\n\n";
+        const bool stagnant = k > 10 && (rest[k - 10] - rest[k] < 0.05 * rest[0] ||
+                                         rss[k - 10] - rss[k] < 0.01 * rss[0]);
+        return stagnant ? End::kStagnant : End::kAllSteps;
     }
-    return End::kAllSteps;
-}
+    void cut() {
+        p.step = 0;
+        for (int j = 0; j < std::ssize(rss); ++j) {
+            const auto degrees = static_cast<int>(std::ssize(p.y) - std::ssize(rss));
+            cp.push_back(degrees * rss[j] / rss.back() + 0.5 * j);
+            if (cp[j] < cp[p.step]) p.step = j;
+            p.text << "Cp[" << j << "]=" << general(cp[j]) << '\n';
+        }
+        p.ratio = cp[p.step] / cp[0];
+        for (std::size_t j = 0; j < c.size(); ++j) {
+            if (order[j] > p.step) p.beta[j] = 0.0;
+            if (negative[j]) p.beta[j] = -p.beta[j];
+            if (negative[j]) turn(j);
+        }
+        p.text << "stopstep=" << p.step << "\nCp return value=" << general(p.ratio) << '\n';
+    }
+};
 
 inline End plain_walk(Path& p) {
-    std::vector<double> rss, cp;
-    std::vector<std::size_t> order(p.x.size(), std::max(p.x.size(), p.y.size()));
-    std::vector<bool> negative(p.x.size(), false);
-    const End end = plain_steps(p, rss, order, negative);
-    p.ratio = 0.0;
-    if (end == End::kNoResidual || end == End::kNoCoefficient) return end;
-    p.stop = 0;
-    for (int j = 0; j < std::ssize(rss); ++j) {
-        const auto degrees = static_cast<int>(std::ssize(p.y) - std::ssize(rss));
-        cp.push_back(degrees * rss[j] / rss.back() + 0.5 * j);
-        if (cp[j] < cp[p.stop]) p.stop = j;
-        p.print("Cp[", j, "]=", general(cp[j]), '\n');
-    }
-    p.ratio = cp[p.stop] / cp[0];
-    for (std::size_t j = 0; j < p.x.size(); ++j) {
-        if (order[j] > static_cast<std::size_t>(p.stop)) p.beta[j] = 0.0;
-        if (!negative[j]) continue;
-        p.beta[j] = -p.beta[j];
-        negate(p.x[j]);
-    }
-    p.print("stopstep=", p.stop, "\nCp return value=", general(p.ratio), '\n');
+    PlainPath path{p};
+    const std::size_t steps = std::min({p.max_steps, p.y.size(), p.x.size()});
+    End end = End::kAllSteps;
+    for (int k = 0; end == End::kAllSteps && k < static_cast<int>(steps); ++k) end = path.step(k);
+    if (end != End::kNoResidual && end != End::kNoCoefficient) path.cut();
     return end;
 }
 

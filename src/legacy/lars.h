@@ -15,7 +15,8 @@
 // with; run() gives them the object's own.
 //
 // Console output is part of the interface. Unreadable data, and a path that cannot go on, end the
-// program with status 0 after their message.
+// program with status 0 after their message. Thin callers of lars/selector.h and what it is made
+// of; reading the file, the generator and the leave-one-out statistics are only here.
 #pragma once
 
 #include <cstddef>
@@ -95,7 +96,6 @@ class LARS {
     int n_col_;
     int limit_;
     int source_;
-    double last_rss_ = 0.0;  // residual sum of squares of the last accepted step
 
     std::vector<double> x_values_;  // column after column
     std::vector<double> y_;

@@ -1,5 +1,4 @@
-// What is said about the selected model: sign agreement, the coefficient file, and how well the
-// fitted and the leave-one-out predicted values separate cases from controls.
+// How well the fitted and the leave-one-out predicted values separate cases from controls.
 //
 // Leaving an individual out of a least-squares fit needs no second fit. With A the selected
 // columns, H = (A'A)^-1 and h = a'Ha the individual's leverage, the prediction without it is
@@ -11,15 +10,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <iostream>
 #include <span>
-#include <string>
 #include <vector>
 
-#include "common/end_program.h"
-#include "common/number_text.h"
-#include "common/output_file.h"
-#include "lars/lars.h"
+#include "lars/fitted_model.h"
+#include "legacy/lars.h"
 #include "math/matrix1.h"
 
 namespace vort {
@@ -27,23 +22,6 @@ namespace vort {
 namespace {
 
 using Matrix = math::matrix1<double>;
-
-std::vector<int> selected_columns(const double* beta, int n_col) {
-    std::vector<int> selected;
-    for (int j = 0; j < n_col; ++j) {
-        if (beta[j] != 0.0) selected.push_back(j);
-    }
-    return selected;
-}
-
-std::vector<double> fitted_values(double** X, const double* beta, int n_row,
-                                  std::span<const int> selected) {
-    std::vector<double> fitted(static_cast<std::size_t>(n_row), 0.0);
-    for (const int j : selected) {
-        for (std::size_t i = 0; i < fitted.size(); ++i) fitted[i] += beta[j] * X[j][i];
-    }
-    return fitted;
-}
 
 Matrix design(double** X, int n_row, std::span<const int> selected) {
     Matrix A(static_cast<std::size_t>(n_row), selected.size());
@@ -112,44 +90,15 @@ double separation(std::span<const double> values, const double* Y) {
 
 }  // namespace
 
-double LARS::correct_error_rate(double** X, double* Y, double* beta) {
-    const std::vector<double> fitted =
-        fitted_values(X, beta, n_row_, selected_columns(beta, n_col_));
-    double sum = 0.0;
-    for (int i = 0; i < n_row_; ++i) sum += Y[i];
-    const double mean = sum / n_row_;
-    int correct = 0;
-    for (int i = 0; i < n_row_; ++i) {
-        const double fit = fitted[static_cast<std::size_t>(i)];
-        const double centred = Y[i] - mean;
-        if ((fit >= 0.0 && centred > 0.0) || (fit < 0.0 && centred < 0.0)) ++correct;
-    }
-    const double rate = static_cast<double>(correct) / n_row_;
-    std::cout << "correct rate=" << general(rate) << '\n';
-    return rate;
-}
-
-int LARS::writebetatofile(double* beta) {
-    OutputFile file(std::string(datapath) + "beta.txt", OutputFile::Mode::kTruncate);
-    if (!file.is_open()) return -1;
-    const std::vector<int> selected = selected_columns(beta, n_col_);
-    // The blanks inside the brackets keep the index a word of its own for whoever reads this.
-    file << n_col_ << '\n' << selected.size() << '\n';
-    for (const int j : selected) {
-        double squares = 0.0;
-        for (int i = 0; i < n_row_; ++i) squares += x_[j][i] * x_[j][i];
-        file << "beta[ " << j << " ]= " << general(beta[j]) << ' ' << general(squares / n_row_)
-             << '\n';
-    }
-    // Half a coefficient file would be read as a model.
-    if (!file.close()) end_program();
-    return 0;
-}
-
 void LARS::calculationT(double** X, double* Y, int n_row, int n_col, double* beta, double* stat1,
                         double* stat2, double* stat4, double* stat5) {
-    const std::vector<int> selected = selected_columns(beta, n_col);
-    const std::vector<double> fitted = fitted_values(X, beta, n_row, selected);
+    const auto n = static_cast<std::size_t>(n_row);
+    const std::span<const double> coefficients(beta, static_cast<std::size_t>(n_col));
+    const std::vector<int> selected = selected_columns(coefficients);
+    std::vector<std::span<double>> columns;
+    for (int j = 0; j < n_col; ++j) columns.emplace_back(X[j], n);
+    std::vector<double> fitted(n);
+    fit(columns, coefficients, fitted);
     const std::vector<double> h = leverages(X, n_row, selected);
     std::vector<double> left_out(fitted.size());
     double squared_errors = 0.0;

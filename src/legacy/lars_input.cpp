@@ -1,18 +1,18 @@
-// From file, or from the generator, to normalised data.
+// A design matrix from a file, or from the generator.
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <iostream>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "common/diagnostics.h"
-#include "common/end_program.h"
 #include "common/number_text.h"
 #include "common/text_input.h"
-#include "lars/lars.h"
+#include "legacy/lars.h"
 #include "numeric/random.h"
 
 namespace vort {
@@ -31,7 +31,7 @@ class DesignFile {
     explicit DesignFile(const char* path) : path_(path), input_(path_) {
         if (input_.is_open()) return;
         std::cout << "When open file " << path_ << ", find error\n";
-        end_program();
+        std::exit(0);
     }
 
     void skip_words(int count) {
@@ -43,12 +43,12 @@ class DesignFile {
     double value() {
         if (!input_.good()) {
             std::cout << "find error input file=" << path_ << '\n';
-            end_program();
+            std::exit(0);
         }
         double number = 0.0;
         if (!input_.real(number)) {
-            diagnose("design matrix values that are no numbers", path_, input_.line_number(),
-                     "expected a number; 0 is taken");
+            diagnostics_.say("design matrix values that are no numbers", path_,
+                             input_.line_number(), "expected a number; 0 is taken");
         }
         return number;
     }
@@ -56,17 +56,8 @@ class DesignFile {
   private:
     std::string path_;
     TextInput input_;
+    Diagnostics diagnostics_{std::cerr};
 };
-
-// Subtracts the mean; returns the length of what is left.
-double centre(std::span<double> values, double mean) {
-    double squares = 0.0;
-    for (double& value : values) {
-        value -= mean;
-        squares += value * value;
-    }
-    return std::sqrt(squares);
-}
 
 // The generator's own scaling, by the corrected sum of squares of the values as drawn.
 void standardise(std::span<double> values) {
@@ -119,31 +110,6 @@ int LARS::ReadDatafromfile(double** X, double* Y, const char* file, int nrow) {
         Y[i] = input.value();
         for (int j = 0; j < n_col_; ++j) X[j][i] = input.value();
     }
-    return 0;
-}
-
-int LARS::lars_init(double** X, double* Y, int strict) {
-    const auto n = static_cast<std::size_t>(n_row_);
-    for (int j = 0; j < n_col_; ++j) {
-        const std::span<double> column(X[j], n);
-        const double mean = mean_of(column);
-        std::cout << "i=" << j + 1 << "\nmean=" << fixed(mean) << '\n';
-        const double length = centre(column, mean);
-        std::cout << "Varance=" << fixed(length) << '\n';
-        if (length > 0.0) {
-            for (double& value : column) value /= length;
-        } else if (strict != 0) {
-            std::cout << "There are some error for variable X_T[" << j
-                      << "], all coordinate value are zero or one!\n";
-            return -1;
-        }
-    }
-    const std::span<double> response(Y, n);
-    const double mean = mean_of(response);
-    const auto above =
-        std::count_if(response.begin(), response.end(), [](double y) { return y > 0.0; });
-    std::cout << "Y >0 count=" << above << " mean=" << general(mean) << '\n';
-    for (double& y : response) y -= mean;
     return 0;
 }
 

@@ -1,0 +1,12 @@
+// The base learners as the parts of the selector work on them: a view of each column's values, one
+// value an individual, all of the same length. The values are the caller's; what changes them says
+// so.
+#pragma once
+
+#include <span>
+
+namespace vort {
+
+using ColumnViews = std::span<const std::span<double>>;
+
+}  // namespace vort
