@@ -1,7 +1,0 @@
-#include "csm/cluster_kernel_body.h"
-
-namespace vort {
-
-template struct ClusterKernel<Instructions::kPortable>;
-
-}  // namespace vort
