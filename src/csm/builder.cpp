@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "common/parallel.h"
-#include "csm/quick_test.h"
+#include "csm/quick_pvalue.h"
 #include "csm/set_score.h"
 #include "csm/step_up.h"
 #include "numeric/index_sort.h"
@@ -103,9 +103,9 @@ KeptSets search_sets(const BuilderData& data, const BuilderSettings& settings, i
     kept.marker_text = kept.pair_text = Transcript(wanted);
     kept.markers = search_markers(data, settings, threads, kept.marker_text);
     if (!settings.takes_pairs()) return kept;
-    PairSearchResult found = search_pairs(
-        {data.planes(), data.phenotype(), data.sigma(), data.quantitative()}, settings.fdr_cutoff,
-        settings.alpha, settings.max_retain, threads, kept.pair_text);
+    PairSearchResult found =
+        search_pairs({data.planes(), data.phenotype(), data.sigma()}, settings.fdr_cutoff,
+                     settings.alpha, settings.max_retain, threads, kept.pair_text);
     kept.pairs = std::move(found.kept);
     kept.pair_statistics = found.statistics;
     return kept;

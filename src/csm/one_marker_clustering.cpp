@@ -28,7 +28,7 @@ CellTest two_proportions(double p1, double p2, double n1, double n2) {
         test.statistic = (1 / ((1 - p2) / n1 + (1 - p1) / n2) + 1 / (p2 / n1 + p1 / n2)) *
                          ((p1 - p2) * (p1 - p2));
     }
-    if (test.statistic > 0) test.pvalue = 1 - lower_tail(1, test.statistic).value;
+    if (test.statistic > 0) test.pvalue = 1 - lower_tail_chi_square(1, test.statistic).value;
     return test;
 }
 
@@ -40,7 +40,7 @@ CellTest three_cells(const int* cases, const int* controls, double n1, double n2
         const double p2 = controls[cell] / n2;
         if (p1 + p2 > 0) test.statistic += ((p1 - p2) * (p1 - p2)) / (p2 / n1 + p1 / n2);
     }
-    if (test.statistic > 0) test.pvalue = 1 - lower_tail(2, test.statistic).value;
+    if (test.statistic > 0) test.pvalue = 1 - lower_tail_chi_square(2, test.statistic).value;
     return test;
 }
 

@@ -80,14 +80,21 @@ class PermutedCounts {
     void draw(const BuilderData& data, const Generator& start) {
         std::vector<unsigned char> label;
         for (const double y : data.phenotype()) label.push_back(y > 0 ? 1 : 0);
-        const LabelDrawer drawer(label, best_instructions());
-        std::vector<std::uint64_t> planes(LabelDrawer::kOrdersAtOnce * words_);
-        for (int first = 0; first < kOrders; first += LabelDrawer::kOrdersAtOnce) {
-            const int orders = std::min(LabelDrawer::kOrdersAtOnce, kOrders - first);
-            Generator generator = start;
-            generator.skip(static_cast<std::uint64_t>(first) * label.size());
-            drawer.draw(generator, orders, planes.data(), words_);
+        const LabelRuns labels(label);
+        constexpr int kAtOnce = LabelRuns::kOrdersAtOnce;
+        std::vector<std::uint64_t> drawn(kAtOnce * labels.plane_words());
+        std::vector<std::uint64_t> planes(kAtOnce * words_);
+        const Generator::Skip skip(kAtOnce * label.size());
+        Generator generator = start;
+        for (int first = 0; first < kOrders; first += kAtOnce) {
+            const int orders = std::min(kAtOnce, kOrders - first);
+            labels.draw(generator, orders, drawn.data());
+            for (int r = 0; r < orders; ++r) {
+                std::copy_n(drawn.data() + r * labels.plane_words(), labels.plane_words(),
+                            planes.data() + r * words_);
+            }
             count(planes.data(), first, orders);
+            generator.skip(skip);
         }
     }
 

@@ -78,7 +78,7 @@ void EnsembleStage::check_against_screening() const {
 void EnsembleStage::keep_last(const ModelledDataSet& modelled) {
     if (modelled.design) last_design_ = modelled.design;
     if (modelled.selection) last_selection_ = modelled.selection;
-    result_.pair_searches += modelled.pair_search;
+    result_.pair_searches.add(modelled.pair_search);
 }
 
 void EnsembleStage::analyse_observed() {
@@ -91,11 +91,11 @@ void EnsembleStage::analyse_observed() {
     if (last_design_->records().empty()) {
         out << "CSM Method find there aren't any model for the data\n";
     } else if (!last_selection_ || last_selection_->nonzero == 0) {
-        if (last_selection_) out << '\n';
+        if (last_selection_) read_coefficients(*last_selection_, out);
         out << "LARS Method find there aren't any model for the data\n";
     } else {
-        const ReadCoefficients read = coefficients_as_read_back(*last_selection_, out);
-        record_base_learners(*last_design_, read.beta, read.mean_square, out);
+        const Coefficients read = read_coefficients(*last_selection_, out);
+        record_base_learners(*last_design_, read, out);
         result_.has_model = select_markers();
     }
     if (!result_.has_model) result_.observed = Result().observed;
@@ -103,9 +103,9 @@ void EnsembleStage::analyse_observed() {
 }
 
 // Walks all groups of all records in the order of their columns.
-void EnsembleStage::record_base_learners(const Design& design, const std::vector<double>& beta,
-                                         const std::vector<double>& mean_square, Transcript& out) {
-    const int columns = static_cast<int>(beta.size());
+void EnsembleStage::record_base_learners(const Design& design, const Coefficients& read,
+                                         Transcript& out) {
+    const int columns = static_cast<int>(read.beta.size());
     int b = 0;  // column
     for (std::size_t q = 0; q < design.records().size(); ++q) {
         const ClusterRecord& record = design.records()[q];
@@ -114,9 +114,8 @@ void EnsembleStage::record_base_learners(const Design& design, const std::vector
         int recorded = 0;
         for (int g = 0; g < record.candidate_columns(); ++g) {
             if (!record.is_column(g)) continue;
-            if (b < columns && std::abs(beta[b]) != 0) {
-                record_group(record, static_cast<int>(q), g, recorded, b, beta[b], mean_square[b],
-                             out);
+            if (b < columns && std::abs(read.beta[b]) != 0) {
+                record_group(record, static_cast<int>(q), g, recorded, b, read, out);
                 ++recorded;
             }
             ++b;
@@ -129,19 +128,21 @@ void EnsembleStage::record_base_learners(const Design& design, const std::vector
 // The cells reported are those of the group whose number is how many base learners the set has had
 // so far; that is group g unless an earlier group of the set has no part in the model.
 void EnsembleStage::record_group(const ClusterRecord& record, int q, int g, int recorded, int b,
-                                 double beta, double mean_square, Transcript& out) {
+                                 const Coefficients& read, Transcript& out) {
+    const double beta = read.beta[b];
+    const double share = std::abs(beta) / record.marker_count / read.mean_square[b];
     const MarkerSet set =
         marker_set(record.marker_count, record.combination_index, record.marker_total);
     BaseLearner learner;
     learner.id = static_cast<int>(result_.learners.size()) + 1;
     learner.markers = set.size;
     learner.beta = beta;
-    learner.importance = std::abs(beta) / set.size / mean_square;
+    learner.importance = share;
     learner.average = record.group_average[g];
     for (int l = 0; l < set.size; ++l) {
         const int marker = set.marker[l] + 1;
         learner.marker[l] = marker;
-        importance_[marker] += std::abs(beta) / set.size / mean_square;
+        importance_[marker] += share;
         out << "importantfactor[" << marker << "]=" << general(importance_[marker])
             << " beta[q]=" << general(beta) << '\n';
     }

@@ -53,10 +53,9 @@ class EnsembleStage {
     void check_against_screening() const;
     void keep_last(const ModelledDataSet& modelled);
     void analyse_observed();
-    void record_base_learners(const Design& design, const std::vector<double>& beta,
-                              const std::vector<double>& mean_square, Transcript& out);
-    void record_group(const ClusterRecord& record, int q, int g, int recorded, int b, double beta,
-                      double mean_square, Transcript& out);
+    void record_base_learners(const Design& design, const Coefficients& read, Transcript& out);
+    void record_group(const ClusterRecord& record, int q, int g, int recorded, int b,
+                      const Coefficients& read, Transcript& out);
     bool select_markers();
     void analyse_permutations();
     void list_markers();

@@ -120,7 +120,7 @@ void write_statistics(Report& report, const Cells& cells, bool pair) {
     report << '\n' << "P-value\t\t\t\t ";
     for (const Cell& cell : cells) {
         if (cell.z != 0) {
-            report << general(1 - lower_tail(1, cell.z * cell.z).value) << "\t ";
+            report << general(1 - lower_tail_chi_square(1, cell.z * cell.z).value) << "\t ";
         } else if (pair) {
             report << general(0.99999) << "\t ";
         } else {

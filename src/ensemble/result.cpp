@@ -4,6 +4,16 @@
 
 namespace vort {
 
+void PairSearchCounts::add(const PairSearchStatistics& search) {
+    using StepUp = PairSearchStatistics::StepUp;
+    using Order = PairSearchStatistics::Order;
+    ++searches;
+    if (search.step_up == StepUp::kBounds || search.step_up == StepUp::kPvalues) ++refined;
+    if (search.order == Order::kTies) ++ties;
+    if (search.order == Order::kPlain) ++plain;
+    pvalues += search.pvalues;
+}
+
 std::string pvalue_text(const Result& result) {
     Transcript out(true);
     out << "P-value information\n===================\nOverall P-value=" << general(result.pvalue)

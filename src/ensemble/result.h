@@ -1,6 +1,7 @@
 // The numbers of a run.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,17 @@
 #include "ensemble/base_learner.h"
 
 namespace vort {
+
+// How the pairs of all data sets were searched.
+struct PairSearchCounts {
+    int searches = 0;
+    int refined = 0;           // in which bins did not decide the step-up rule
+    int ties = 0;              // in which equal p-values mattered
+    int plain = 0;             // that took the plain form
+    std::int64_t pvalues = 0;  // computed in full
+
+    void add(const PairSearchStatistics& search);
+};
 
 struct Result {
     // Without a model every statistic is 0.5 and the p-value is 1.
@@ -21,7 +33,7 @@ struct Result {
     std::vector<int> importance;  // of these, cut to whole numbers
     std::vector<int> columns;     // genotype column (from 0) of each rank, observed data set
 
-    PairSearchStatistics pair_searches;  // how the pairs of all data sets were searched
+    PairSearchCounts pair_searches;
 };
 
 // "P_value.txt".

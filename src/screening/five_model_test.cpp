@@ -8,7 +8,7 @@ namespace vort {
 namespace {
 
 double upper_tail(int degrees_of_freedom, double statistic) {
-    return 1 - lower_tail(degrees_of_freedom, statistic).value;
+    return 1 - lower_tail_chi_square(degrees_of_freedom, statistic).value;
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ class EquivalentStatistic {
   public:
     EquivalentStatistic() {
         for (int i = 0; i <= kSteps + 1; ++i) {
-            value_[i] = -2 * std::log(1 - lower_tail(1, i / kStepsOfOne).value);
+            value_[i] = -2 * std::log(1 - lower_tail_chi_square(1, i / kStepsOfOne).value);
         }
     }
 
@@ -188,7 +188,7 @@ void StretchScreening::list_significant(int slot, int marker, bool dropped, Find
     for (int model = 0; model < kModels; ++model) {
         const auto [df, statistic] = models[model];
         if (df < 1 || statistic < kSignificantFrom[df]) continue;
-        const double pvalue = 1 - lower_tail(df, statistic).value;
+        const double pvalue = 1 - lower_tail_chi_square(df, statistic).value;
         if (!(pvalue <= kSignificant)) continue;
         if (dropped) {
             ++out.dropped_significant[model];
