@@ -5,7 +5,7 @@
 // that share their first marker are summed over one pass of the individuals instead, so that one
 // pair's additions fill the other pairs' waits; every cell still receives its phenotypes in the
 // order of the individuals, and has the bytes it would have alone. A marker's column holds 3
-// where the genotype was imputed, and cells with a 3 in them are summed like the others and then
+// where the genotype is missing, and cells with a 3 in them are summed like the others and then
 // left out, which spares a test for each individual.
 #pragma once
 
@@ -13,7 +13,7 @@
 #include <span>
 #include <vector>
 
-#include "common/bitset.h"
+#include "csm/marker_planes.h"
 
 namespace vort {
 
@@ -27,24 +27,23 @@ class PairSums {
   public:
     static constexpr int kAtOnce = 4;
 
-    // Tgen (rows 1 .. n, columns 1 .. m), yy (1 .. n) and missing_set (1 .. n) as a CSM holds them.
-    PairSums(int** Tgen, const double* yy, const std::vector<bitset*>& missing_set, int n, int m);
+    // The phenotype is in the order of the individuals and must outlive this.
+    PairSums(const MarkerPlanes& markers, std::span<const double> phenotype);
 
-    // The cells of the pairs (a, b), (a, b + 1), ... , at most kAtOnce of them.
-    void sum(int a, int b, std::span<PairCells> out);
+    // The cells of the pairs (a, b), (a, b + 1), ... , at most kAtOnce of them; markers from 0.
+    void sum(int a, int b, std::span<PairCells> out) const;
 
   private:
-    static constexpr int kGenotypes = 4;  // 0, 1, 2 and imputed
+    static constexpr int kGenotypes = 4;  // 0, 1, 2 and missing
     static constexpr int kCodes = kGenotypes * kGenotypes;
 
-    const unsigned char* column(int j) const { return columns_.data() + (j - 1) * n_; }
+    const unsigned char* column(int j) const {
+        return columns_.data() + static_cast<std::size_t>(j) * phenotype_.size();
+    }
 
-    std::size_t n_;
-    std::span<const double> yy_;          // from 0
+    std::span<const double> phenotype_;
     std::vector<unsigned char> columns_;  // column after column
     std::vector<unsigned char> padding_;  // a column for pairs past the last
-    double sum_[kAtOnce][kCodes];
-    int count_[kAtOnce][kCodes];
 };
 
 }  // namespace vort

@@ -1,0 +1,62 @@
+// Nanoseconds a pair of the search of all pairs, for each set of instructions, and of the plain
+// form; and how the searches were decided.
+//
+//     pairs_bench [threads]
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+#include "csm/pair_numbers.h"
+#include "csm/pair_search.h"
+#include "csm/random_pair_study.h"
+
+namespace vort::test {
+
+namespace {
+
+double seconds(const auto& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void measure(const char* name, const RandomPairStudy::Shape& shape, int threads) {
+    const RandomPairStudy study(1, shape);
+    const double pairs = static_cast<double>(PairNumbers(shape.m).count());
+    std::printf("%-28s n=%-6d m=%-6d", name, shape.n, shape.m);
+    for (const Instructions set :
+         {Instructions::kPortable, Instructions::kWide, Instructions::kWidest}) {
+        if (set > best_instructions()) continue;
+        PairSearchResult result;
+        const double time = seconds([&] {
+            Transcript nobody(false);
+            result = search_pairs(study.input(), 0.75, 0.05, 100, threads, nobody, set);
+        });
+        std::printf("  %7.1f ns", time * 1e9 / pairs);
+        if (set != best_instructions()) continue;
+        std::printf("  kept %zu, step-up %d, order %d, p-values %lld", result.kept.size(),
+                    static_cast<int>(result.statistics.step_up),
+                    static_cast<int>(result.statistics.order),
+                    static_cast<long long>(result.statistics.pvalues));
+    }
+    std::printf("\n");
+}
+
+}  // namespace
+
+}  // namespace vort::test
+
+int main(int argc, char** argv) {
+    using vort::test::measure;
+    const int threads = argc > 1 ? std::atoi(argv[1]) : 1;
+    std::printf("%51s  portable        wide      widest\n", "");
+    measure("null", {1000, 3000}, threads);
+    measure("null, genotypes missing", {1000, 3000, 0.02}, threads);
+    measure("effects", {1000, 3000, 0.02, 0, 0, 0.2}, threads);
+    measure("effects, markers repeated", {1000, 3000, 0.02, 0.2, 0.05, 0.2}, threads);
+    measure("strong effects", {1000, 3000, 0.02, 0, 0, 0.9}, threads);
+    measure("null", {10000, 1000}, threads);
+    measure("effects, genotypes missing", {10000, 1000, 0.02, 0, 0, 0.1}, threads);
+    measure("null, quantitative", {1000, 300, 0, 0, 0, 0, 0.5,
+            vort::test::RandomPairStudy::Phenotype::kQuantitative}, threads);
+}
