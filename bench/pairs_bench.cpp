@@ -50,13 +50,25 @@ int main(int argc, char** argv) {
     using vort::test::measure;
     const int threads = argc > 1 ? std::atoi(argv[1]) : 1;
     std::printf("%51s  portable        wide      widest\n", "");
-    measure("null", {1000, 3000}, threads);
-    measure("null, genotypes missing", {1000, 3000, 0.02}, threads);
-    measure("effects", {1000, 3000, 0.02, 0, 0, 0.2}, threads);
-    measure("effects, markers repeated", {1000, 3000, 0.02, 0.2, 0.05, 0.2}, threads);
-    measure("strong effects", {1000, 3000, 0.02, 0, 0, 0.9}, threads);
-    measure("null", {10000, 1000}, threads);
-    measure("effects, genotypes missing", {10000, 1000, 0.02, 0, 0, 0.1}, threads);
-    measure("null, quantitative", {1000, 300, 0, 0, 0, 0, 0.5,
-            vort::test::RandomPairStudy::Phenotype::kQuantitative}, threads);
+    const auto shape = [](int n, int m, double missing, double duplicated, double effect) {
+        return vort::test::RandomPairStudy::Shape{.n = n,
+                                                  .m = m,
+                                                  .missing = missing,
+                                                  .duplicated = duplicated,
+                                                  .effect = effect,
+                                                  .spread = true};
+    };
+    for (const int n : {1000, 10000}) {
+        const int m = n == 1000 ? 3000 : 1000;
+        measure("null", shape(n, m, 0, 0, 0), threads);
+        measure("null, missing", shape(n, m, 0.02, 0, 0), threads);
+        measure("null, missing, repeated", shape(n, m, 0.02, 0.3, 0), threads);
+        measure("small effects", shape(n, m, 0.02, 0, 0.06), threads);
+        measure("small effects, repeated", shape(n, m, 0.02, 0.3, 0.06), threads);
+        measure("effects", shape(n, m, 0.02, 0, 0.2), threads);
+        measure("strong effects", shape(n, m, 0.02, 0, 0.9), threads);
+    }
+    auto quantitative = shape(1000, 300, 0, 0, 0);
+    quantitative.phenotype = vort::test::RandomPairStudy::Phenotype::kQuantitative;
+    measure("quantitative", quantitative, threads);
 }

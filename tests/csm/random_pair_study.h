@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <vector>
 
@@ -26,11 +27,13 @@ class RandomPairStudy {
         double effect = 0;        // share of genotypes that follow the phenotype
         double case_share = 0.5;
         Phenotype phenotype = Phenotype::kTwoValues;
+        bool spread = false;      // a run of cases at the start and one in the middle
     };
 
     RandomPairStudy(std::uint32_t seed, const Shape& shape)
         : random_(seed), markers(shape.n, shape.m), y(static_cast<std::size_t>(shape.n)) {
         for (double& value : y) value = draw_phenotype(shape);
+        if (shape.spread) spread_cases();
         for (int j = 0; j < shape.m; ++j) {
             codes_.push_back(draw_marker(shape, j));
             markers.set(j, codes_.back());
@@ -77,6 +80,12 @@ class RandomPairStudy {
         if (shape.phenotype == Phenotype::kAllCases) return 1;
         if (shape.phenotype == Phenotype::kQuantitative) return below(7);
         return uniform() < shape.case_share ? 1 : 0;
+    }
+    void spread_cases() {
+        std::sort(y.begin(), y.end(), std::greater<>());
+        const auto cases = std::count(y.begin(), y.end(), 1.0);
+        const auto middle = y.begin() + static_cast<std::ptrdiff_t>(y.size() / 2);
+        std::rotate(y.begin() + cases / 2, y.begin() + cases, std::max(middle, y.begin() + cases));
     }
     std::vector<signed char> draw_marker(const Shape& shape, int j) {
         if (j > 0 && uniform() < shape.duplicated) return codes_[below(j)];
