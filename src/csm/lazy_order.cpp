@@ -3,6 +3,8 @@
 #include <numeric>
 #include <utility>
 
+#include "csm/twin_markers.h"
+
 namespace vort {
 
 namespace {
@@ -58,20 +60,31 @@ class LazyOrder::KnownPivot {
     double pvalue_;
 };
 
-LazyOrder::LazyOrder(std::span<const PairCode> codes, const PairBounds& bounds,
-                     const ExactPairs& exact)
-    : codes_(codes), bounds_(bounds), exact_(exact), items_(codes.size() + 1) {
+LazyOrder::LazyOrder(const MarkerPlanes& markers, std::span<const PairCode> codes,
+                     const PairBounds& bounds, const ExactPairs& exact)
+    : codes_(codes),
+      bounds_(bounds),
+      exact_(exact),
+      numbers_(markers.markers()),
+      twin_marker_(first_twins(markers)),
+      items_(codes.size() + 1) {
     std::iota(items_.data(), items_.data() + codes.size() + 1, 0);
 }
 
+std::int64_t LazyOrder::twin(int pair) const {
+    const auto [first, second] = numbers_.markers_of(pair);
+    return static_cast<std::int64_t>(twin_marker_.size()) * twin_marker_[first] +
+           twin_marker_[second];
+}
+
 void LazyOrder::know(std::span<const int> pairs, std::span<const double> pvalues) {
-    for (std::size_t k = 0; k < pairs.size(); ++k) known_.emplace(pairs[k], pvalues[k]);
+    for (std::size_t k = 0; k < pairs.size(); ++k) known_.emplace(twin(pairs[k]), pvalues[k]);
 }
 
 double LazyOrder::pvalue(int pair) {
-    const auto found = known_.find(pair);
-    if (found != known_.end()) return found->second;
-    return known_.emplace(pair, exact_.pvalue(pair)).first->second;
+    const auto [entry, is_new] = known_.emplace(twin(pair), 0);
+    if (is_new) entry->second = exact_.pvalue(pair);
+    return entry->second;
 }
 
 void LazyOrder::insertion_sort(Range range) {

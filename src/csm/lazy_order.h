@@ -10,6 +10,9 @@
 //     code     0 ........... from ..... to ........................ largest
 //     p-value  above pivot     |  asked for  |   below pivot
 //
+// P-values are kept, one for all pairs of the same genotypes (see twin_markers.h), since those are
+// what ties mostly are.
+//
 // Ranges are independent of each other once they are split, so those that do not contain a place
 // that is wanted stay unsorted. Short ranges are handled by their p-values throughout.
 //
@@ -21,6 +24,7 @@
 // those that tie with them.
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <unordered_map>
 #include <utility>
@@ -28,14 +32,17 @@
 
 #include "common/large_array.h"
 #include "csm/exact_pairs.h"
+#include "csm/marker_planes.h"
 #include "csm/pair_bounds.h"
+#include "csm/pair_numbers.h"
 
 namespace vort {
 
 class LazyOrder {
   public:
     // What is referred to must outlive this.
-    LazyOrder(std::span<const PairCode> codes, const PairBounds& bounds, const ExactPairs& exact);
+    LazyOrder(const MarkerPlanes& markers, std::span<const PairCode> codes,
+              const PairBounds& bounds, const ExactPairs& exact);
 
     // Spares working out p-values that are at hand: pairs[k] has pvalues[k].
     void know(std::span<const int> pairs, std::span<const double> pvalues);
@@ -52,6 +59,8 @@ class LazyOrder {
     class CodePivot;
     class KnownPivot;
 
+    // The same number for pairs of the same genotypes.
+    std::int64_t twin(int pair) const;
     double pvalue(int pair);
     void insertion_sort(Range range);
     void swap_if_greater(int first, int second);
@@ -64,7 +73,9 @@ class LazyOrder {
     std::span<const PairCode> codes_;
     const PairBounds& bounds_;
     const ExactPairs& exact_;
-    std::unordered_map<int, double> known_;
+    PairNumbers numbers_;
+    std::vector<int> twin_marker_;
+    std::unordered_map<std::int64_t, double> known_;  // by twin()
     LargeArray<int> items_;  // elements 1 .. N
 };
 

@@ -38,6 +38,11 @@ MarkerPlanes::Planes MarkerPlanes::planes(int marker) const {
     return {one, one + words_, one + 2 * words_};
 }
 
+std::string_view MarkerPlanes::bytes(int marker) const {
+    return {reinterpret_cast<const char*>(planes(marker).one),
+            kPlanes * words_ * sizeof(std::uint64_t)};
+}
+
 int MarkerPlanes::code(int i, int marker) const {
     const auto [one, two, missing] = planes(marker);
     const auto has = [i](const std::uint64_t* plane) {

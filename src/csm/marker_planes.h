@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "genotypes/genotypes.h"
@@ -35,6 +36,9 @@ class MarkerPlanes {
     void set(int marker, std::span<const signed char> codes);
 
     Planes planes(int marker) const;
+
+    // The planes as one text, equal for markers with equal genotypes.
+    std::string_view bytes(int marker) const;
 
     // 0, 1, 2, or -1 for a missing genotype.
     int code(int i, int marker) const;

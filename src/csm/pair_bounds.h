@@ -7,8 +7,7 @@
 //   the summation     |S - S*| <= error, see statistic_error(). It is 2e-9 for 1,000 individuals
 //                     and grows with the square of their number.
 //   the code          S* is rounded down by up to 2^-21.
-//   the series        The tail is off by less than 4e-6 of itself. Two tails of the program are
-//                     compared here, the one at the code and the one at S; 2e-5 is taken.
+//   the series        The program's tail is off by less than 4e-6 of itself; 2e-5 is taken.
 //   1 - (1 - Q)       The program subtracts twice. Q loses what is below 2^-53, and both roundings
 //                     keep the order, so that the same subtractions of the bounds bound p.
 //

@@ -58,7 +58,8 @@ class BoundedSearch {
   public:
     BoundedSearch(const PairSearchInput& input, const StepUpRule& rule, int max_retain, int threads,
                   std::span<const PairCode> codes, const PairBounds& bounds)
-        : rule_(rule),
+        : markers_(input.markers),
+          rule_(rule),
           max_retain_(max_retain),
           threads_(threads),
           codes_(codes),
@@ -151,7 +152,7 @@ class BoundedSearch {
             }
         }
         statistics.order = Order::kTies;
-        LazyOrder order(codes_, bounds_, exact_);
+        LazyOrder order(markers_, codes_, bounds_, exact_);
         order.know(pairs, pvalues);
         return order.first(kept);
     }
@@ -173,6 +174,7 @@ class BoundedSearch {
 
     PairCode code_of(int pair) const { return codes_[static_cast<std::size_t>(pair) - 1]; }
 
+    const MarkerPlanes& markers_;
     const StepUpRule& rule_;
     int max_retain_;
     int threads_;
