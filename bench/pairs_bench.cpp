@@ -10,7 +10,7 @@
 #include "csm/pair_search.h"
 #include "csm/random_pair_study.h"
 
-namespace vort::test {
+namespace vort::testing {
 
 namespace {
 
@@ -44,19 +44,19 @@ void measure(const char* name, const RandomPairStudy::Shape& shape, int threads)
 
 }  // namespace
 
-}  // namespace vort::test
+}  // namespace vort::testing
 
 int main(int argc, char** argv) {
-    using vort::test::measure;
+    using vort::testing::measure;
     const int threads = argc > 1 ? std::atoi(argv[1]) : 1;
     std::printf("%51s  portable        wide      widest\n", "");
     const auto shape = [](int n, int m, double missing, double duplicated, double effect) {
-        return vort::test::RandomPairStudy::Shape{.n = n,
-                                                  .m = m,
-                                                  .missing = missing,
-                                                  .duplicated = duplicated,
-                                                  .effect = effect,
-                                                  .spread = true};
+        return vort::testing::RandomPairStudy::Shape{.n = n,
+                                                     .m = m,
+                                                     .missing = missing,
+                                                     .duplicated = duplicated,
+                                                     .effect = effect,
+                                                     .spread = true};
     };
     for (const int n : {1000, 10000}) {
         const int m = n == 1000 ? 3000 : 1000;
@@ -69,6 +69,6 @@ int main(int argc, char** argv) {
         measure("strong effects", shape(n, m, 0.02, 0, 0.9), threads);
     }
     auto quantitative = shape(1000, 300, 0, 0, 0);
-    quantitative.phenotype = vort::test::RandomPairStudy::Phenotype::kQuantitative;
+    quantitative.phenotype = vort::testing::RandomPairStudy::Phenotype::kQuantitative;
     measure("quantitative", quantitative, threads);
 }

@@ -17,7 +17,7 @@ namespace vort {
 
 class ExactPairs {
   public:
-    // What is referred to must outlive this.
+    // What the input and the others refer to must outlive this.
     ExactPairs(const PairSearchInput& input, std::span<const PairCode> codes,
                const PairBounds& bounds);
 
@@ -33,7 +33,7 @@ class ExactPairs {
   private:
     double sum(int pair) const;
 
-    const PairSearchInput& input_;
+    PairSearchInput input_;
     std::span<const PairCode> codes_;
     const PairBounds& bounds_;
     PairNumbers numbers_;

@@ -76,7 +76,7 @@ class LazyOrder {
     PairNumbers numbers_;
     std::vector<int> twin_marker_;
     std::unordered_map<std::int64_t, double> known_;  // by twin()
-    LargeArray<int> items_;  // elements 1 .. N
+    LargeArray<int> items_;                           // elements 1 .. N
 };
 
 }  // namespace vort

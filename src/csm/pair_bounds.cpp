@@ -10,7 +10,7 @@ namespace vort {
 namespace {
 
 constexpr double kUnit = 1.0 / (1 << kFractionBits);
-constexpr double kTailSlack = 2e-5;
+constexpr double kTailSlack = 1e-5;
 
 constexpr std::size_t kBinsOfFreedom = std::size_t{1} << (kStatisticBits - kBinBits);
 constexpr double kBinWidth = kUnit * (1 << kBinBits);
@@ -65,9 +65,7 @@ class BinEdges {
     }
 
   private:
-    double& at(int freedom, std::size_t bin) {
-        return tail_[freedom * (kBinsOfFreedom + 1) + bin];
-    }
+    double& at(int freedom, std::size_t bin) { return tail_[freedom * (kBinsOfFreedom + 1) + bin]; }
 
     std::vector<double> tail_;
 };
@@ -100,8 +98,7 @@ double statistic_error(const TwoValues& values, double sigma) {
     const double controls = values.controls * std::fabs(values.control_value);
     const bool opposite = values.case_value > 0 && values.control_value < 0;
     const double V = opposite ? std::max(cases, controls) : cases + controls;
-    const double largest =
-        std::max(std::fabs(values.case_value), std::fabs(values.control_value));
+    const double largest = std::max(std::fabs(values.case_value), std::fabs(values.control_value));
     return kEightRoundings * (10 * V * V + 200 * V * largest) / sigma;
 }
 

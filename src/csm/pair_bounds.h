@@ -7,7 +7,7 @@
 //   the summation     |S - S*| <= error, see statistic_error(). It is 2e-9 for 1,000 individuals
 //                     and grows with the square of their number.
 //   the code          S* is rounded down by up to 2^-21.
-//   the series        The program's tail is off by less than 4e-6 of itself; 2e-5 is taken.
+//   the series        The program's tail is off by less than 4e-7 of itself; 1e-5 is taken.
 //   1 - (1 - Q)       The program subtracts twice. Q loses what is below 2^-53, and both roundings
 //                     keep the order, so that the same subtractions of the bounds bound p.
 //
@@ -51,7 +51,7 @@ constexpr double kLargestStatisticError = 1.0 / 1024;
 // Codes that share their upper bits: 1/64 of the statistic.
 constexpr int kBinBits = 15;
 constexpr std::size_t kBinCount = static_cast<std::size_t>(kMostFreedom + 1)
-                              << (kStatisticBits - kBinBits);
+                                  << (kStatisticBits - kBinBits);
 constexpr std::size_t bin_of(PairCode code) {
     return code >> kBinBits;
 }

@@ -54,9 +54,8 @@ struct BitLanes<Instructions::kWide> {
 
     // A shuffle looks up the counts of the half bytes.
     [[gnu::always_inline]] static inline Words partial(Words x) {
-        const __m256i counts =
-            _mm256_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4,  //
-                             0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
+        const __m256i counts = _mm256_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4,  //
+                                                0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
         const Words low = x & 0x0F0F0F0F0F0F0F0F;
         const Words high = x >> 4 & 0x0F0F0F0F0F0F0F0F;
         return reinterpret_cast<Words>(
@@ -200,8 +199,7 @@ struct PairLanes {
     [[gnu::always_inline]] static inline void write_codes(const PairStudy& study, const Sums& sums,
                                                           PairCode* out) {
         const Doubles ybar = sums.total / study.individuals;
-        const Doubles spread =
-            sums.squares - ybar * (sums.total * 2.0 - ybar * sums.individuals);
+        const Doubles spread = sums.squares - ybar * (sums.total * 2.0 - ybar * sums.individuals);
         const Doubles testable = sums.seen > 1.0 ? Doubles{} + 1.0 : Doubles{};
         Doubles statistic = spread * study.scale * testable;
         constexpr double kLargest = kLargestStatistic;

@@ -70,9 +70,8 @@ int kept_by_step_up(int order, const StepUpRule& rule, std::span<const double> p
 std::vector<RankedGroups::Step> RankedGroups::steps(std::vector<PvalueGroup> groups,
                                                     double PvalueGroup::*bound,
                                                     std::int64_t before) {
-    std::sort(groups.begin(), groups.end(), [bound](const PvalueGroup& a, const PvalueGroup& b) {
-        return a.*bound < b.*bound;
-    });
+    std::sort(groups.begin(), groups.end(),
+              [bound](const PvalueGroup& a, const PvalueGroup& b) { return a.*bound < b.*bound; });
     std::vector<Step> steps;
     steps.reserve(groups.size());
     for (const PvalueGroup& group : groups) {

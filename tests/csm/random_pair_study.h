@@ -12,7 +12,7 @@
 #include "csm/quick_pvalue.h"
 #include "numeric/index_sort.h"
 
-namespace vort::test {
+namespace vort::testing {
 
 class RandomPairStudy {
   public:
@@ -21,13 +21,13 @@ class RandomPairStudy {
     struct Shape {
         int n;
         int m;
-        double missing = 0;       // share of genotypes
-        double duplicated = 0;    // share of markers that repeat an earlier one
-        double monomorphic = 0;   // share of markers with genotype 0 only
-        double effect = 0;        // share of genotypes that follow the phenotype
+        double missing = 0;      // share of genotypes
+        double duplicated = 0;   // share of markers that repeat an earlier one
+        double monomorphic = 0;  // share of markers with genotype 0 only
+        double effect = 0;       // share of genotypes that follow the phenotype
         double case_share = 0.5;
         Phenotype phenotype = Phenotype::kTwoValues;
-        bool spread = false;      // a run of cases at the start and one in the middle
+        bool spread = false;  // a run of cases at the start and one in the middle
     };
 
     RandomPairStudy(std::uint32_t seed, const Shape& shape)
@@ -130,4 +130,4 @@ inline std::vector<int> sorted_plainly(std::vector<double>& pvalue) {
     return order;
 }
 
-}  // namespace vort::test
+}  // namespace vort::testing
