@@ -1,0 +1,8 @@
+// Compiled with the widest instructions where the build has them for this architecture.
+#include "genotypes/plane_kernel_body.h"
+
+namespace vort {
+
+template struct PlaneKernel<Instructions::kWidest>;
+
+}  // namespace vort
