@@ -1,15 +1,20 @@
 #include "common/text_input.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <charconv>
 #include <cstring>
+#include <string_view>
+#include <utility>
 
 namespace vort {
 
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 20;
+constexpr std::size_t kBlock = std::size_t{1} << 18;
 
 bool is_space(int c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -18,9 +23,15 @@ bool is_digit(int c) {
     return c >= '0' && c <= '9';
 }
 
-bool is_directory(std::FILE* file) {
+// The errno of a file that is open but of no use to a reader, or 0.
+int unusable(int file) {
     struct stat status {};
-    return ::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+    if (::fstat(file, &status) != 0) return errno;
+    return S_ISDIR(status.st_mode) ? EISDIR : 0;
+}
+
+void make_room(LongText& out, std::size_t size) {
+    if (out.memory.size() < out.used + size) out.memory.resize(2 * (out.used + size));
 }
 
 // from_chars takes no leading plus sign; stream extraction does.
@@ -48,23 +59,35 @@ bool is_tiny(std::string_view text) {
 }  // namespace
 
 TextInput::TextInput(const std::string& path, const char* mode)
-    : file_(std::fopen(path.c_str(), mode)) {
-    if (file_ != nullptr && is_directory(file_.get())) file_.reset();
-    if (file_ == nullptr) return;
-    std::setvbuf(file_.get(), nullptr, _IONBF, 0);  // the blocks below are the only buffer
-    buffer_.resize(kBlock);
+    : file_(::open(path.c_str(), (std::string_view(mode) == "r" ? O_RDONLY : O_RDWR) | O_CLOEXEC)) {
+    open_error_ = is_open() ? unusable(file_) : errno;
+    if (is_open() && open_error_ != 0) ::close(std::exchange(file_, -1));
+    if (is_open()) buffer_.resize(kBlock);
+}
+
+TextInput::~TextInput() {
+    if (is_open()) ::close(file_);
+}
+
+// 0 at the end of the file, and from the first failure on.
+std::size_t TextInput::read_block(char* to, std::size_t size) {
+    while (read_error_ == 0) {
+        const ssize_t got = ::read(file_, to, size);
+        if (got >= 0) return static_cast<std::size_t>(got);
+        if (errno != EINTR) read_error_ = errno;
+    }
+    return 0;
 }
 
 // Keeps what is unread, at the front of the buffer, and reads on behind it.
 bool TextInput::refill() {
-    if (file_ == nullptr) return false;
+    if (!is_open()) return false;
     std::memmove(buffer_.data(), buffer_.data() + next_, end_ - next_);
     end_ -= next_;
     next_ = 0;
     // Lines far shorter than the buffer keep what is moved to its front small.
     if (end_ > buffer_.size() / 4) buffer_.resize(2 * buffer_.size());
-    const std::size_t got =
-        std::fread(buffer_.data() + end_, 1, buffer_.size() - end_, file_.get());
+    const std::size_t got = read_block(buffer_.data() + end_, buffer_.size() - end_);
     end_ += got;
     return got > 0;
 }
@@ -181,6 +204,57 @@ bool TextInput::line(std::string_view& out) {
     next_ = end_;
     at_end_ = true;
     failed_ = out.empty();
+    return !failed_;
+}
+
+// Takes the rest of the line from what is buffered; false where it goes on behind that.
+bool TextInput::append_buffered(LongText& out) {
+    const char* const begin = buffer_.data() + next_;
+    const void* const found = std::memchr(begin, '\n', end_ - next_);
+    const char* const end =
+        found == nullptr ? begin + (end_ - next_) : static_cast<const char*>(found);
+    const auto size = static_cast<std::size_t>(end - begin);
+    make_room(out, size);
+    std::memcpy(out.memory.data() + out.used, begin, size);
+    out.used += size;
+    next_ += size;
+    if (found == nullptr) return false;
+    ++next_;
+    ++line_;
+    return true;
+}
+
+// The same from the file, with nothing buffered; what is read too much is buffered then.
+bool TextInput::append_read(LongText& out, std::size_t& got) {
+    make_room(out, kBlock);
+    char* const begin = out.memory.data() + out.used;
+    got = read_block(begin, kBlock);
+    const void* const found = std::memchr(begin, '\n', got);
+    if (found == nullptr) {
+        out.used += got;
+        return false;
+    }
+    const auto size = static_cast<std::size_t>(static_cast<const char*>(found) - begin);
+    next_ = 0;
+    end_ = got - size - 1;
+    std::memcpy(buffer_.data(), begin + size + 1, end_);
+    out.used += size;
+    ++line_;
+    return true;
+}
+
+bool TextInput::append_line(LongText& out) {
+    if (!good()) {
+        failed_ = true;
+        return false;
+    }
+    const std::size_t before = out.used;
+    if (append_buffered(out)) return true;
+    for (std::size_t got = 1; got > 0;) {
+        if (append_read(out, got)) return true;
+    }
+    at_end_ = true;
+    failed_ = out.used == before;
     return !failed_;
 }
 

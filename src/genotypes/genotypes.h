@@ -1,8 +1,9 @@
 // The genotypes of a study, two bits each.
 //
 // Column after column, as a SNP-major .bed file has them: four individuals a byte, the first in the
-// lowest bits, a column padded to whole bytes. The codes are that file's, so that a .bed is used as
-// it lies on the disk, mapped, and a text file is packed into the same form:
+// lowest bits, a column padded to whole bytes, whose padding means nothing. The codes are that
+// file's, so that a .bed is used as it lies on the disk, mapped, and a text file is packed into the
+// same form:
 //
 //     bits  00  2 copies of the counted allele (A1)     10  1 copy
 //           01  missing                                 11  0 copies
@@ -27,6 +28,11 @@ constexpr std::size_t plane_words(int n) {
     return (static_cast<std::size_t>(n) + 63) / 64;
 }
 
+// Bytes of a column of n individuals.
+constexpr std::size_t packed_size(int n) {
+    return (static_cast<std::size_t>(n) + 3) / 4;
+}
+
 // Bit planes of one column, plane_words(individuals) words each, owned by the caller.
 struct GenotypePlanes {
     std::uint64_t* one;      // individuals with genotype 1
@@ -40,6 +46,9 @@ class Genotypes {
 
     // Owned; every genotype is missing until its column is filled. Throws std::bad_alloc.
     Genotypes(int individuals, int markers);
+
+    // Owned; columns that the caller has packed, packed_size(individuals) bytes each.
+    Genotypes(int individuals, int markers, LargeArray<unsigned char> columns);
 
     // The columns of a mapped file, from byte `offset` on; the file holds them all.
     Genotypes(int individuals, int markers, std::shared_ptr<const MappedFile> file,

@@ -1,0 +1,71 @@
+#include "genotypes/mapped_file.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "common/input_error.h"
+
+namespace vort {
+
+namespace {
+
+class Descriptor {
+  public:
+    explicit Descriptor(const std::string& path)
+        : number_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+    ~Descriptor() {
+        if (number_ >= 0) ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return number_; }
+
+  private:
+    int number_;
+};
+
+[[noreturn]] void fail(const std::string& path, int reason) {
+    input_error(path, 0, std::string("cannot be read (") + std::strerror(reason) + ')');
+}
+
+FileIdentity identity_of(const struct stat& status) {
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
+            static_cast<std::uint64_t>(status.st_size), status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+}
+
+}  // namespace
+
+MappedFile::MappedFile(std::string path) : path_(std::move(path)) {
+    const Descriptor file(path_);
+    struct stat status {};
+    if (file.number() < 0 || ::fstat(file.number(), &status) != 0) fail(path_, errno);
+    if (S_ISDIR(status.st_mode)) fail(path_, EISDIR);
+    if (!S_ISREG(status.st_mode)) {
+        input_error(path_, 0, "is no regular file, which alone can be mapped");
+    }
+    identity_ = identity_of(status);
+    if (size() == 0) return;
+    void* const memory = ::mmap(nullptr, size(), PROT_READ, MAP_SHARED, file.number(), 0);
+    if (memory == MAP_FAILED) fail(path_, errno);
+    ::madvise(memory, size(), MADV_SEQUENTIAL);  // only advice
+    bytes_ = static_cast<const unsigned char*>(memory);
+}
+
+MappedFile::~MappedFile() {
+    if (bytes_ != nullptr) ::munmap(const_cast<unsigned char*>(bytes_), size());
+}
+
+bool MappedFile::changed() const {
+    struct stat status {};
+    return ::stat(path_.c_str(), &status) != 0 || identity_of(status) != identity_;
+}
+
+}  // namespace vort
