@@ -91,8 +91,8 @@ void analyse_study(RunOptions options, Diagnostics& diagnostics) {
     if (!lock.held()) {
         throw InputError{options.out + ": another run is at work there; name another directory"};
     }
-    BedStudy bed = load_bed(options.prefix + ".bed", options.prefix + ".bim",
-                            options.prefix + ".fam", diagnostics);
+    BedStudy bed =
+        load_bed(options.prefix + ".bed", options.prefix + ".bim", options.prefix + ".fam");
     const int individuals = bed.genotypes.individuals();
     const int markers = bed.genotypes.markers();
     if (options.best_m > markers) {

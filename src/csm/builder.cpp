@@ -41,8 +41,8 @@ std::vector<int> search_markers(const BuilderData& data, const BuilderSettings& 
     for (const Transcript& text : texts) transcript.add(text);
     std::vector<int> order(pvalue.size());
     if (m > 0) Quickindex(pvalue.data(), order.data(), m);
-    const int kept = std::min(settings.max_retain,
-                              step_up_markers(pvalue, order, settings.fdr_cutoff, settings.alpha));
+    const StepUpRule rule{settings.fdr_cutoff, settings.alpha, m};
+    const int kept = std::min(settings.max_retain, kept_by_step_up(1, rule, pvalue, order));
     return {order.begin() + 1, order.begin() + 1 + std::max(kept, 0)};
 }
 

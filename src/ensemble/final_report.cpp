@@ -311,7 +311,8 @@ std::string report_text(const ReportInput& input, const Result& result, Transcri
     return std::string(beginning.text()) + report.text();
 }
 
-std::string marker_names_text(const Settings& settings, const Result& result, MarkerTable& table) {
+std::string marker_names_text(const Settings& settings, const Result& result,
+                              const MarkerTable& table) {
     Transcript out(true);
     if (settings.report.markers < 1 || result.learners.empty()) return "";
     for (const int rank : result.markers) {

@@ -26,6 +26,7 @@ std::string report_text(const ReportInput& input, const Result& result, Transcri
 // The names of the model's markers, which end the report. A name is that of the line before the
 // marker's own: it is looked up by the marker's column counted from 0. A table that cannot be used
 // stops the run.
-std::string marker_names_text(const Settings& settings, const Result& result, MarkerTable& table);
+std::string marker_names_text(const Settings& settings, const Result& result,
+                              const MarkerTable& table);
 
 }  // namespace vort

@@ -22,7 +22,7 @@ std::vector<int> order_by_pvalue(std::vector<double> pvalue) {
 
 class FdrReport {
   public:
-    FdrReport(const std::string& path, MarkerTable& table, Transcript& transcript,
+    FdrReport(const std::string& path, const MarkerTable& table, Transcript& transcript,
               Diagnostics& diagnostics)
         : table_(table),
           transcript_(transcript),
@@ -59,7 +59,7 @@ class FdrReport {
         file_.stream().flush();
     }
 
-    MarkerTable& table_;
+    const MarkerTable& table_;
     Transcript& transcript_;
     OutputFile file_;
 };
@@ -75,7 +75,7 @@ int false_discovery_count(std::span<const double> pvalue, std::span<const int> o
 }
 
 void write_fdr_report(const std::string& path, const MarkerPvalues& all,
-                      const std::vector<int>& minimum_order, MarkerTable& table,
+                      const std::vector<int>& minimum_order, const MarkerTable& table,
                       Transcript& transcript, Diagnostics& diagnostics) {
     FdrReport report(path, table, transcript, diagnostics);
     for (int model = 0; model < kModels; ++model) {

@@ -21,7 +21,7 @@ int false_discovery_count(std::span<const double> pvalue, std::span<const int> o
 // Lists the markers of each model, and of the smallest p-values, whose order `minimum_order` is. A
 // file that cannot be opened stops the run, as does a marker table that cannot be used.
 void write_fdr_report(const std::string& path, const MarkerPvalues& all,
-                      const std::vector<int>& minimum_order, MarkerTable& table,
+                      const std::vector<int>& minimum_order, const MarkerTable& table,
                       Transcript& transcript, Diagnostics& diagnostics);
 
 }  // namespace vort

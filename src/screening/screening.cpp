@@ -126,7 +126,7 @@ class Batch {
 
 class Screening {
   public:
-    Screening(const Genotypes& genotypes, const PhenotypeRows& phenotypes, MarkerTable& table,
+    Screening(const Genotypes& genotypes, const PhenotypeRows& phenotypes, const MarkerTable& table,
               const ScreeningOptions& options, Diagnostics& diagnostics)
         : phenotypes_(phenotypes),
           table_(table),
@@ -151,7 +151,7 @@ class Screening {
     void report(int row, std::span<const KeyedIndex> ranked, ScreenedDataSet& out);
 
     const PhenotypeRows& phenotypes_;
-    MarkerTable& table_;
+    const MarkerTable& table_;
     const ScreeningOptions& options_;
     Diagnostics& diagnostics_;
     GroupSizes sizes_;
@@ -221,9 +221,16 @@ MissingLimits missing_limits(GroupSizes sizes) {
             static_cast<int>(sizes.controls * kMissingShare)};
 }
 
+double screening_bytes(double markers, double individuals, const ScreeningOptions& options) {
+    const double batch = std::min(std::max(static_cast<double>(options.batch_bytes), 8 * markers),
+                                  8 * markers * kMostAtOnce);
+    const double ranking = markers * (16 + (options.transcript ? 80 : 0));
+    return batch + individuals / 8 * kMostAtOnce + options.threads * (ranking + 1e6);
+}
+
 void screen_data_sets(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
-                      MarkerTable& table, const ScreeningOptions& options, Diagnostics& diagnostics,
-                      const TakeScreened& take) {
+                      const MarkerTable& table, const ScreeningOptions& options,
+                      Diagnostics& diagnostics, const TakeScreened& take) {
     Screening(genotypes, phenotypes, table, options, diagnostics).run(take);
 }
 

@@ -38,8 +38,8 @@ using TakeScreened = std::function<void(int d, ScreenedDataSet&& screened)>;
 // Screens all rows of `phenotypes`: cases and controls of row 0, which shuffling does not change.
 // `table` names markers in the FDR report.
 void screen_data_sets(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
-                      MarkerTable& table, const ScreeningOptions& options, Diagnostics& diagnostics,
-                      const TakeScreened& take);
+                      const MarkerTable& table, const ScreeningOptions& options,
+                      Diagnostics& diagnostics, const TakeScreened& take);
 
 // Bytes that a screening takes beside its inputs.
 double screening_bytes(double markers, double individuals, const ScreeningOptions& options);

@@ -40,9 +40,9 @@ StudyData load_study(const Settings& settings, int threads, const Console& conso
     MarkerTable table = MarkerTable::from_file("Chromosome_SNP_Name.txt", wanted.markers);
     table.check(diagnostics);
     Transcript out(true);
-    TextDataSet data = load_text_data_set(
-        {wanted.input, wanted.individuals, wanted.markers, wanted.head == 1, wanted.record == 1},
-        threads, out, diagnostics);
+    DataSet data = load_text_data_set(
+        {wanted.input, wanted.individuals, wanted.markers, wanted.head, wanted.record}, threads,
+        diagnostics, out);
     console(out.text());
     return {std::move(data.genotypes), std::move(data.phenotypes), std::move(table)};
 }
