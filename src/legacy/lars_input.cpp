@@ -19,12 +19,6 @@ namespace vort {
 
 namespace {
 
-double mean_of(std::span<const double> values) {
-    double sum = 0.0;
-    for (const double value : values) sum += value;
-    return sum / static_cast<double>(values.size());
-}
-
 // The design matrix file, with its way to end the program.
 class DesignFile {
   public:
