@@ -45,8 +45,11 @@ class EnsembleStage {
     // worked on.
     Result run();
 
-    // After a stop.
+    // What run() leaves behind, whether it ended or stopped.
     IntermediateTexts intermediate_texts() const;
+
+    // The console's list of the model's markers, after run().
+    void print_markers(const Result& result) const;
 
   private:
     void announce();
@@ -59,7 +62,7 @@ class EnsembleStage {
     bool select_markers();
     void analyse_permutations();
     void list_markers();
-    void say(const Transcript& text) { options_.console(text.text()); }
+    void say(const Transcript& text) const { options_.console(text.text()); }
 
     ScreenedStudy study_;
     Settings settings_;
