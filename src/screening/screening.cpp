@@ -162,8 +162,8 @@ class Screening {
 };
 
 int Screening::batch_size() const {
-    const std::size_t row = std::max<std::size_t>(markers() * sizeof(double), 1);
-    return static_cast<int>(std::clamp<std::size_t>(options_.batch_bytes / row, 1, kMostAtOnce));
+    const double row = 8.0 * std::max<double>(static_cast<double>(markers()), 1);
+    return static_cast<int>(std::clamp<double>(options_.batch_bytes / row, 1, kMostAtOnce));
 }
 
 ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
@@ -224,9 +224,13 @@ MissingLimits missing_limits(GroupSizes sizes) {
             static_cast<int>(sizes.controls * kMissingShare)};
 }
 
+double batch_bytes_for(double individuals, double markers) {
+    return std::max(ScreeningOptions().batch_bytes, individuals / 4 * markers / 16);
+}
+
 double screening_bytes(double markers, double individuals, const ScreeningOptions& options) {
-    const double batch = std::min(std::max(static_cast<double>(options.batch_bytes), 8 * markers),
-                                  8 * markers * kMostAtOnce);
+    const double batch =
+        std::min(std::max(options.batch_bytes, 8 * markers), 8 * markers * kMostAtOnce);
     const double ranking = markers * (16 + (options.transcript ? 80 : 0));
     return batch + individuals / 8 * kMostAtOnce + options.threads * (ranking + 1e6);
 }

@@ -18,9 +18,9 @@ namespace vort {
 // What a run may want of its screening beside the ranking.
 struct ScreeningOptions {
     int threads = 1;
-    bool transcript = true;  // the console's lists and rankings
-    int kept = 0;            // best markers of each data set to be kept; at most all
-    std::size_t batch_bytes = std::size_t{32} << 20;  // for the smallest p-values of a batch
+    bool transcript = true;     // the console's lists and rankings
+    int kept = 0;               // best markers of each data set to be kept; at most all
+    double batch_bytes = 32e6;  // for the smallest p-values of a batch of data sets
 
     std::string fdr_report;       // path of the observed data set's FDR report; none where empty
     std::string prepared_prefix;  // of prepared files of the best markers; none where empty
@@ -42,6 +42,9 @@ using TakeScreened = std::function<void(int d, ScreenedDataSet&& screened)>;
 void screen_data_sets(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                       const MarkerTable& table, const ScreeningOptions& options,
                       Diagnostics& diagnostics, const TakeScreened& take);
+
+// Memory for a batch that is small beside the genotypes, which are read once for each.
+double batch_bytes_for(double individuals, double markers);
 
 // Bytes that a screening takes beside its inputs.
 double screening_bytes(double markers, double individuals, const ScreeningOptions& options);

@@ -77,6 +77,8 @@ void Analysis::screen() {
     screening.threads = options_.threads;
     screening.transcript = options_.console;
     screening.kept = kept();
+    screening.batch_bytes =
+        batch_bytes_for(study_.genotypes.individuals(), study_.genotypes.markers());
     if (options_.fdr_report) screening.fdr_report = options_.folder + "FDR_results.txt";
     screening.prepared_prefix = options_.save_prepared;
     screen_data_sets(study_.genotypes, phenotypes_, study_.markers, screening, diagnostics_,

@@ -37,6 +37,7 @@ void check_sizes(const Settings& settings, const AnalysisOptions& options, bool 
     ScreeningOptions screening;
     screening.threads = options.threads;
     screening.transcript = options.console;
+    screening.batch_bytes = batch_bytes_for(individuals, markers);
     const double columns = 20.0 * std::clamp(settings.builder.max_retain, 1, 1000);
     const double stages =
         std::max(screening_bytes(markers, individuals, screening),
