@@ -9,7 +9,7 @@
 namespace vort {
 
 Design::Design(const BuilderData& data, const Imputation& imputation,
-               std::vector<ClusterRecord> records) {
+               std::span<const ClusterRecord> records) {
     response_.reserve(static_cast<std::size_t>(data.individuals()));
     // Most phenotypes repeat one of two.
     std::array<double, 2> known{0, 0};

@@ -20,7 +20,7 @@ class Design {
   public:
     // `records` in the order in which they were kept.
     Design(const BuilderData& data, const Imputation& imputation,
-           std::vector<ClusterRecord> records);
+           std::span<const ClusterRecord> records);
 
     int individuals() const { return static_cast<int>(response_.size()); }
     int columns() const { return static_cast<int>(columns_.size()); }

@@ -57,8 +57,8 @@ class PermutedCounts {
   public:
     PermutedCounts(const BuilderData& data, const SetCells& cells, const Generator& start)
         : words_((plane_words(data.individuals()) + kWordBlock - 1) / kWordBlock * kWordBlock),
-          groups_((cells.ncell + 2) / 3),
-          cells_(3 * static_cast<std::size_t>(groups_) * words_),
+          groups_((static_cast<std::size_t>(cells.ncell) + 2) / 3),
+          cells_(3 * groups_ * words_),
           ncell_(cells.ncell),
           counts_(kBlocks * block_size()) {
         for (std::size_t i = 0; i < cells.cell.size(); ++i) {
@@ -101,19 +101,18 @@ class PermutedCounts {
     void count(const std::uint64_t* planes, int first, int orders) {
         const auto count_cases =
             kernel_for(best_instructions(), []<Instructions I>() { return CountKernel<I>::count; });
-        std::vector<PlaneCounts> found(static_cast<std::size_t>(orders * groups_));
+        std::vector<PlaneCounts> found(static_cast<std::size_t>(orders) * groups_);
         for (std::size_t w = 0; w < words_; w += kCountedWords) {
-            count_cases({cells_.data() + w, words_, 3 * groups_}, {planes + w, words_, orders},
-                        std::min(kCountedWords, words_ - w), found.data(),
-                        static_cast<std::size_t>(groups_));
+            count_cases({cells_.data() + w, words_, static_cast<int>(3 * groups_)},
+                        {planes + w, words_, orders}, std::min(kCountedWords, words_ - w),
+                        found.data(), groups_);
         }
         for (int r = 0; r < orders; ++r) {
             double* const out = counts_.data() +
                                 static_cast<std::size_t>((first + r) / kLanes) * block_size() +
                                 (first + r) % kLanes;
             for (int c = 1; c <= ncell_; ++c) {
-                const PlaneCounts& three =
-                    found[static_cast<std::size_t>(r * groups_ + (c - 1) / 3)];
+                const PlaneCounts& three = found[r * groups_ + (c - 1) / 3];
                 const std::array<int, 3> cases{three.one, three.two, three.missing};
                 out[c * kLanes] = cases[static_cast<std::size_t>((c - 1) % 3)];
             }
@@ -121,7 +120,7 @@ class PermutedCounts {
     }
 
     std::size_t words_;
-    int groups_;  // of three cells
+    std::size_t groups_;  // of three cells
     std::vector<std::uint64_t> cells_;
     int ncell_;
     std::vector<double> counts_;

@@ -93,6 +93,7 @@ int rank_of_first(const std::vector<double>& statistic) {
         return static_cast<int>(std::find(order.begin() + 1, order.end(), 1) - order.begin());
     }
     std::vector<KeyedIndex> items;
+    items.reserve(statistic.size());
     for (const double s : statistic) items.push_back({s, static_cast<int>(items.size())});
     sort_keyed(items);
     const auto first = std::find_if(items.begin(), items.end(),

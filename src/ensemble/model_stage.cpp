@@ -153,7 +153,7 @@ void ModelStage::finish(Work& work) {
     print_build(*work.data, *work.input, imputation, work.kept, scored, work.row > 0, out);
     if (work.stopped) return;
     out << "csm end\n";
-    const Design& design = work.result.design.emplace(*work.data, imputation, std::move(records));
+    const Design& design = work.result.design.emplace(*work.data, imputation, records);
     work.data.reset();
     if (design.columns() == 0) return;
     DesignColumns columns;

@@ -25,7 +25,7 @@ void lock_or_stop(const DirectoryLock& lock, Diagnostics& diagnostics) {
 }
 
 Settings read_settings(const Console& console, Diagnostics& diagnostics) {
-    const Settings settings = settings_of(read_parameter_file(diagnostics));
+    Settings settings = settings_of(read_parameter_file(diagnostics));
     Transcript out(true);
     print_warnings(settings.file, out);
     console(out.text());
