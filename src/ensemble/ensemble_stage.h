@@ -45,6 +45,9 @@ class EnsembleStage {
     // worked on.
     Result run();
 
+    // Where the generator stands after the run.
+    const Generator& next_draw() const { return models_.next_draw(); }
+
     // After a stop.
     IntermediateTexts intermediate_texts() const;
 

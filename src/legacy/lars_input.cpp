@@ -13,7 +13,7 @@
 #include "common/number_text.h"
 #include "common/text_input.h"
 #include "legacy/lars.h"
-#include "numeric/random.h"
+#include "legacy/random.h"
 
 namespace vort {
 
