@@ -7,11 +7,13 @@
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include "cli/run_command.h"
 #include "common/console.h"
 #include "common/stop.h"
+#include "math/matrix1.h"
 #include "vort/working_directory.h"
 
 namespace vort {
@@ -53,8 +55,14 @@ int run_bare() {
     } catch (const Stop& stop) {
         output.write(stop.text);
         return stop.status;
+    } catch (const math::matrix1_error& fault) {
+        diagnostics.say("faults of the program", "vort", 0,
+                        std::string("a fault in the program: ") + fault.what());
+        return 1;
+    } catch (const std::bad_alloc&) {
+        diagnostics.say("ends for lack of resources", "vort", 0, "the memory does not suffice");
+        return 1;
     } catch (const std::exception& problem) {
-        // Memory that ran out, mostly.
         diagnostics.say("ends for lack of resources", "vort", 0, problem.what());
         return 1;
     }

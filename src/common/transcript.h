@@ -35,7 +35,7 @@ class Transcript {
     // Room for `size` more characters, to be written in place; used(end) says how far.
     char* room(std::size_t size) {
         const std::size_t old = size_;
-        if (text_.size() < old + size) text_.resize((old + size) * 3 / 2);
+        if (text_.size() < old + size) text_.resize((old + size) + (old + size) / 4);
         return text_.data() + old;
     }
     void used(const char* end) { size_ = static_cast<std::size_t>(end - text_.data()); }

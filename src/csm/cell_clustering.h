@@ -64,7 +64,10 @@ class CellClustering {
 
     // Into groups 1 .. g.
     [[gnu::always_inline]] void cluster(int g) {
-        for (int j = 1; j <= g; ++j) centre_[j] = largest_ - (j - 0.5) * spread_ / double(g);
+        for (int j = 1; j <= g; ++j) {
+            centre_[j] = largest_ - (j - 0.5) * spread_ / double(g);
+            empty_[j] = Mask{};
+        }
         // A group of its own for each cell, so that the first pass changes something where there
         // are more cells than groups.
         for (int c = 1; c <= cells_.ncell; ++c) group_[c] = Number{} + double(c);
@@ -73,7 +76,7 @@ class CellClustering {
         for (int pass = 0; pass < kMostPasses; ++pass) {
             going = both(going, find_nearest(g, going));
             if (!any(going)) return;
-            for (int j = 1; j <= g; ++j) centre_[j] = select(going, centre_of(j), centre_[j]);
+            for (int j = 1; j <= g; ++j) move_centre(j, going);
         }
     }
 
@@ -103,24 +106,39 @@ class CellClustering {
     [[gnu::always_inline]] Mask find_nearest(int g, const Mask& going) {
         Mask moved{};
         for (int c = 1; c <= cells_.ncell; ++c) {
+            Number distance[kMostCells + 2];
             Number nearest = Number{} + 1.0;
-            Number smallest = magnitude(mean_[c] - centre_[1]);
+            Number smallest = distance[1] = magnitude(mean_[c] - centre_[1]);
             for (int j = 2; j <= g; ++j) {
-                const Number distance = magnitude(mean_[c] - centre_[j]);
-                const Mask close = magnitude(distance - smallest) <= tolerance_;
-                unsure_ = either(unsure_, both(close, going));
-                const Mask nearer = distance < smallest;
+                distance[j] = magnitude(mean_[c] - centre_[j]);
+                const Mask nearer = distance[j] < smallest;
                 nearest = select(nearer, Number{} + double(j), nearest);
-                smallest = select(nearer, distance, smallest);
+                smallest = select(nearer, distance[j], smallest);
             }
+            unsure_ = either(unsure_, both(going, has_rival(g, distance, smallest)));
             moved = either(moved, nearest != group_[c]);
             group_[c] = select(going, nearest, group_[c]);
         }
         return moved;
     }
 
-    // Zero for an empty group.
-    [[gnu::always_inline]] Number centre_of(int j) const {
+    // Whether another centre is as near as the nearest, within the tolerance. Empty groups are all
+    // at 0, in the plain form too, so that one of them is no rival of another.
+    [[gnu::always_inline]] Mask has_rival(int g, const Number* distance,
+                                          const Number& smallest) const {
+        Number near{};
+        Number near_and_empty{};
+        for (int j = 1; j <= g; ++j) {
+            const Number here =
+                select(distance[j] - smallest <= tolerance_, Number{} + 1.0, Number{});
+            near += here;
+            near_and_empty += select(empty_[j], here, Number{});
+        }
+        return both(near > 1.0, near_and_empty < near);
+    }
+
+    // To zero for an empty group.
+    [[gnu::always_inline]] void move_centre(int j, const Mask& going) {
         Number sum{};
         Number count{};
         for (int c = 1; c <= cells_.ncell; ++c) {
@@ -128,7 +146,8 @@ class CellClustering {
             sum += select(here, cells_.sum[c], Number{});
             count += select(here, Number{} + cells_.size[c], Number{});
         }
-        return select(count > 0.0, sum / count, Number{});
+        empty_[j] = count == 0.0;
+        centre_[j] = select(going, select(count > 0.0, sum / count, Number{}), centre_[j]);
     }
 
     const ClusteredCells<Number>& cells_;
@@ -137,6 +156,7 @@ class CellClustering {
     Number largest_;
     Number spread_;
     Number centre_[kMostCells + 2];
+    Mask empty_[kMostCells + 2];
     Number group_[kMostCells + 1];
     Mask unsure_{};
 };

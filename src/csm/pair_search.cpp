@@ -22,8 +22,8 @@
 // other, every sort gives the same order, and that is the result. If not, the exchanges of the
 // program's sort decide (lazy_order).
 //
-// Example: 3,000 markers, 1,000 individuals, 4.5 million pairs, 100 kept. The codes take 75 ms,
-// the census 5 ms, the p-values of some 110 pairs 0.3 ms; the plain form 5 s.
+// Example: 3,000 markers, 1,000 individuals, 4.5 million pairs, 100 kept. The codes take 65 ms, the
+// passes over them 6 ms, the p-values of 101 pairs 0.2 ms; the plain form takes four seconds.
 #include "csm/pair_search.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 //
 // All m (m - 1) / 2 pairs are tested by the quick test (docs/method.md, section 3), ordered by
 // their p-values and cut off by the step-up rule (section 4). What comes out is what this plain
-// form gives, byte for byte, in a tenth of its time or less: pair_search.cpp tells how.
+// form gives, byte for byte, in a small part of its time: pair_search.cpp tells how.
 #pragma once
 
 #include <cstdint>

@@ -50,8 +50,8 @@ struct BitRegister<Instructions::kWidest> {
     [[gnu::always_inline]] static std::uint64_t sum(const Words& words) {
         const Half half = __builtin_shufflevector(words, words, 0, 1, 2, 3) +
                           __builtin_shufflevector(words, words, 4, 5, 6, 7);
-        const Quarter quarter = __builtin_shufflevector(half, half, 0, 1) +
-                                __builtin_shufflevector(half, half, 2, 3);
+        const Quarter quarter =
+            __builtin_shufflevector(half, half, 0, 1) + __builtin_shufflevector(half, half, 2, 3);
         return quarter[0] + quarter[1];
     }
 };

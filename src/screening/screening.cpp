@@ -134,7 +134,8 @@ class Screening {
           diagnostics_(diagnostics),
           sizes_(group_sizes(phenotypes)),
           study_{genotypes, sizes_, missing_limits(sizes_), best_instructions()},
-          rankings_([this] { return std::vector<KeyedIndex>(markers()); }) {}
+          rankings_([this] { return std::vector<KeyedIndex>(markers()); }),
+          texts_([this] { return Transcript(options_.transcript); }) {}
 
     void run(const TakeScreened& take);
 
@@ -157,6 +158,7 @@ class Screening {
     GroupSizes sizes_;
     ScreeningStudy study_;
     Workspaces<std::vector<KeyedIndex>> rankings_;
+    Workspaces<Transcript> texts_;
 };
 
 int Screening::batch_size() const {
@@ -166,7 +168,8 @@ int Screening::batch_size() const {
 
 ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
     ScreenedDataSet out;
-    out.transcript = Transcript(options_.transcript);
+    out.transcript = texts_.borrow();
+    out.transcript->clear();
     const auto ranked = rankings_.borrow();
     const std::span<const double> minima = batch.minima(d);
     for (std::size_t j = 0; j < minima.size(); ++j) {
@@ -178,9 +181,9 @@ ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
     if (markers() > 0) out.smallest_pvalue = ranked->front().key;
     for (std::size_t k = 0; k < kept; ++k) out.best.push_back((*ranked)[k].index - 1);
     if (options_.transcript) {
-        out.transcript << "time of pvalue " << batch.seconds() << '\n';
-        print_lists(out.transcript, batch.findings(d));
-        print_ranking(out.transcript, *ranked);
+        *out.transcript << "time of pvalue " << batch.seconds() << '\n';
+        print_lists(*out.transcript, batch.findings(d));
+        print_ranking(*out.transcript, *ranked);
     }
     report(first + d, *ranked, out);
     return out;
@@ -195,7 +198,7 @@ void Screening::report(int row, std::span<const KeyedIndex> ranked, ScreenedData
     std::vector<int> order{0};
     for (const KeyedIndex& item : ranked) order.push_back(item.index);
     write_fdr_report(options_.fdr_report, test_all_markers(study_.genotypes, phenotypes_.row(row)),
-                     order, table_, out.transcript, diagnostics_);
+                     order, table_, *out.transcript, diagnostics_);
 }
 
 void Screening::run(const TakeScreened& take) {

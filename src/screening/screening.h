@@ -7,6 +7,7 @@
 
 #include "common/diagnostics.h"
 #include "common/transcript.h"
+#include "common/workspaces.h"
 #include "genotypes/genotypes.h"
 #include "genotypes/marker_table.h"
 #include "screening/phenotype_rows.h"
@@ -19,7 +20,7 @@ struct ScreeningOptions {
     int threads = 1;
     bool transcript = true;  // the console's lists and rankings
     int kept = 0;            // best markers of each data set to be kept; at most all
-    std::size_t batch_bytes = std::size_t{48} << 20;  // for the smallest p-values of a batch
+    std::size_t batch_bytes = std::size_t{32} << 20;  // for the smallest p-values of a batch
 
     std::string fdr_report;       // path of the observed data set's FDR report; none where empty
     std::string prepared_prefix;  // of prepared files of the best markers; none where empty
@@ -27,12 +28,13 @@ struct ScreeningOptions {
 
 // What is left of one data set's screening.
 struct ScreenedDataSet {
-    std::vector<int> best;         // columns (from 0) by ascending p-value, `kept` of them
-    double smallest_pvalue = 1;    // 1 where there is no marker
-    Transcript transcript{false};  // what the console shows of it
+    std::vector<int> best;       // columns (from 0) by ascending p-value, `kept` of them
+    double smallest_pvalue = 1;  // 1 where there is no marker
+    Workspaces<Transcript>::Loan transcript;  // what the console shows of it
 };
 
-// Gets data set d = 0, 1, 2, ... in this order, one at a time.
+// Gets data set d = 0, 1, 2, ... in this order, one at a time; not to be kept beyond the call, its
+// transcript is used again.
 using TakeScreened = std::function<void(int d, ScreenedDataSet&& screened)>;
 
 // Screens all rows of `phenotypes`: cases and controls of row 0, which shuffling does not change.

@@ -82,7 +82,7 @@ void Analysis::screen() {
     screening.prepared_prefix = options_.save_prepared;
     screen_data_sets(study_.genotypes, phenotypes_, study_.markers, screening, diagnostics_,
                      [&](int d, ScreenedDataSet&& screened) {
-                         say(screened.transcript);
+                         say(*screened.transcript);
                          observer_.screened(d, phenotypes_.count(), screened.smallest_pvalue,
                                             screened.best.empty() ? -1 : screened.best.front());
                          best_.push_back(std::move(screened.best));
