@@ -36,7 +36,7 @@ void screen(const Genotypes& genotypes, int* ranking, Transcript& transcript) {
     screen_data_sets(genotypes, PhenotypeRows(current_phenotypes()),
                      report ? default_marker_table() : no_table, options,
                      default_objects().diagnostics, [&](int, ScreenedDataSet&& screened) {
-                         transcript.add(screened.transcript);
+                         transcript.add(*screened.transcript);
                          std::copy(screened.best.begin(), screened.best.end(), ranking);
                      });
 }
