@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "common/characters.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
 #include "common/stop.h"
@@ -61,14 +62,6 @@ constexpr std::array<NameRule, 13> kNameRules = {{
 // 1-based; NUL past the name's end.
 char letter_at(std::string_view name, std::size_t position) {
     return position <= name.size() ? name[position - 1] : '\0';
-}
-
-bool is_letter(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-bool is_space(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 // Line feeds that follow something other than a line feed, and a last line without one.

@@ -10,18 +10,12 @@
 #include <string_view>
 #include <utility>
 
+#include "common/characters.h"
 namespace vort {
 
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18;
-
-bool is_space(int c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-bool is_digit(int c) {
-    return c >= '0' && c <= '9';
-}
 
 // The errno of a file that is open but of no use to a reader, or 0.
 int unusable(int file) {

@@ -11,7 +11,17 @@ namespace vort {
 Design::Design(const BuilderData& data, const Imputation& imputation,
                std::vector<ClusterRecord> records) {
     response_.reserve(static_cast<std::size_t>(data.individuals()));
-    for (const double y : data.phenotype()) response_.push_back(as_read_back(fixed(y)));
+    // Most phenotypes repeat one of two.
+    std::array<double, 2> known{0, 0};
+    std::array<double, 2> rounded{0, 0};
+    for (const double y : data.phenotype()) {
+        const std::size_t k = y > 0 ? 1 : 0;
+        if (y != known[k]) {
+            known[k] = y;
+            rounded[k] = as_read_back(fixed(y));
+        }
+        response_.push_back(rounded[k]);
+    }
     for (const ClusterRecord& record : records) {
         add_columns(record, imputation);
         records_.push_back(record.as_read_back());

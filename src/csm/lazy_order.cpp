@@ -87,7 +87,7 @@ double LazyOrder::pvalue(int pair) {
     return entry->second;
 }
 
-void LazyOrder::insertion_sort(Range range) {
+void LazyOrder::insertion_sort(Places range) {
     int* const items = items_.data();
     for (int j = range.lo + 1; j <= range.hi; ++j) {
         const int item = items[j];
@@ -103,7 +103,7 @@ void LazyOrder::swap_if_greater(int first, int second) {
     if (pvalue(items[first]) > pvalue(items[second])) std::swap(items[first], items[second]);
 }
 
-void LazyOrder::place_pivot(Range range) {
+void LazyOrder::place_pivot(Places range) {
     const auto [lo, hi] = range;
     std::swap(items_.data()[lo + (hi - lo) / 2], items_.data()[lo + 1]);
     swap_if_greater(lo, hi);
@@ -112,7 +112,7 @@ void LazyOrder::place_pivot(Range range) {
 }
 
 template <typename Pivot>
-LazyOrder::Parts LazyOrder::split_by(const Pivot& pivot, Range range) {
+LazyOrder::Parts LazyOrder::split_by(const Pivot& pivot, Places range) {
     int* const items = items_.data();
     int i = range.lo + 1;
     int j = range.hi;
@@ -128,7 +128,7 @@ LazyOrder::Parts LazyOrder::split_by(const Pivot& pivot, Range range) {
     return {{range.lo, j - 1}, {i, range.hi}};
 }
 
-LazyOrder::Parts LazyOrder::split(Range range) {
+LazyOrder::Parts LazyOrder::split(Places range) {
     place_pivot(range);
     const int pivot = items_.data()[range.lo + 1];
     if (range.hi - range.lo < kLongRange) return split_by(KnownPivot(*this, pivot), range);
@@ -136,9 +136,9 @@ LazyOrder::Parts LazyOrder::split(Range range) {
 }
 
 std::vector<int> LazyOrder::first(int wanted) {
-    std::vector<Range> waiting{{1, static_cast<int>(codes_.size())}};
+    std::vector<Places> waiting{{1, static_cast<int>(codes_.size())}};
     while (!waiting.empty()) {
-        const Range range = waiting.back();
+        const Places range = waiting.back();
         waiting.pop_back();
         if (range.lo > wanted) continue;
         if (range.hi - range.lo < kInsertionGap) {

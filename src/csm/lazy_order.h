@@ -51,24 +51,24 @@ class LazyOrder {
     std::vector<int> first(int wanted);
 
   private:
-    struct Range {
+    struct Places {
         int lo;
         int hi;
     };
-    using Parts = std::pair<Range, Range>;
+    using Parts = std::pair<Places, Places>;
     class CodePivot;
     class KnownPivot;
 
     // The same number for pairs of the same genotypes.
     std::int64_t twin(int pair) const;
     double pvalue(int pair);
-    void insertion_sort(Range range);
+    void insertion_sort(Places range);
     void swap_if_greater(int first, int second);
     // Brings the median of three items of the range to its second place.
-    void place_pivot(Range range);
-    Parts split(Range range);
+    void place_pivot(Places range);
+    Parts split(Places range);
     template <typename Pivot>
-    Parts split_by(const Pivot& pivot, Range range);
+    Parts split_by(const Pivot& pivot, Places range);
 
     std::span<const PairCode> codes_;
     const PairBounds& bounds_;

@@ -217,31 +217,31 @@ struct PairLanes {
 template <Instructions kInstructions>
 void PairCountKernel<kInstructions>::codes(const PairStudy& study, const FirstMarker& first,
                                            const MarkerGroups& seconds, PairCode* out) {
-    using Lanes = PairLanes<kInstructions>;
+    using Pairs = PairLanes<kInstructions>;
     const std::size_t case_step = study.case_words * kGroupPlanes;
     const std::size_t stride = case_step + study.control_words * kGroupPlanes;
     for (std::size_t g = 0; g < seconds.count; ++g) {
-        for (int lane = 0; lane < kGroupMarkers; lane += Lanes::kLanesAtOnce) {
+        for (int lane = 0; lane < kGroupMarkers; lane += Pairs::kLanesAtOnce) {
             const std::uint64_t* const a = first.words;
             const std::uint64_t* const b = seconds.words + g * stride * kGroupMarkers + lane;
             const std::uint64_t* const b_controls = b + case_step * kGroupMarkers;
-            typename Lanes::Counts cases;
-            typename Lanes::Counts controls;
+            typename Pairs::Counts cases;
+            typename Pairs::Counts controls;
             if (first.complete && seconds.complete[g] != 0) {
                 const std::uint64_t* const margins =
                     seconds.margins + g * kMargins * kGroupMarkers + lane;
-                cases = Lanes::count_complete(a, b, study.case_words, study.cases, first.margins,
+                cases = Pairs::count_complete(a, b, study.case_words, study.cases, first.margins,
                                               margins);
-                controls = Lanes::count_complete(a + case_step, b_controls, study.control_words,
+                controls = Pairs::count_complete(a + case_step, b_controls, study.control_words,
                                                  study.controls, first.margins + 2,
                                                  margins + 2 * kGroupMarkers);
             } else {
-                cases = Lanes::template count<kGroupPlanes>(a, b, study.case_words);
-                controls = Lanes::template count<kGroupPlanes>(a + case_step, b_controls,
+                cases = Pairs::template count<kGroupPlanes>(a, b, study.case_words);
+                controls = Pairs::template count<kGroupPlanes>(a + case_step, b_controls,
                                                                study.control_words);
             }
-            const auto sums = Lanes::sum_cells(study, cases, controls);
-            Lanes::write_codes(study, sums, out + g * kGroupMarkers + lane);
+            const auto sums = Pairs::sum_cells(study, cases, controls);
+            Pairs::write_codes(study, sums, out + g * kGroupMarkers + lane);
         }
     }
 }

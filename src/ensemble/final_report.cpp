@@ -48,7 +48,7 @@ class Report {
 };
 
 // The individuals as the report sees them.
-struct Study {
+struct ReportedStudy {
     const Genotypes& genotypes;
     std::span<const short> phenotype;
     const std::vector<int>& column;  // of each rank
@@ -64,23 +64,23 @@ struct Study {
     }
 };
 
-struct Cell {
+struct TableCell {
     double cases = 0;
     double count = 0;
     double z = kEmptyCellStatistic;
 };
 
 // The nine cells of a pair, or the three of a single marker.
-using Cells = std::vector<Cell>;
+using TableCells = std::vector<TableCell>;
 
-double cell_statistic(const Study& study, double cases, double count) {
+double cell_statistic(const ReportedStudy& study, double cases, double count) {
     const double n = study.n();
     return (cases / count - study.ybar) / std::sqrt(((n - count) * study.SS / n / n) / count);
 }
 
-Cells count_cells(const Study& study, const BaseLearner& learner) {
+TableCells count_cells(const ReportedStudy& study, const BaseLearner& learner) {
     const bool pair = learner.markers == 2;
-    Cells cells(pair ? 9 : 3);
+    TableCells cells(pair ? 9 : 3);
     const std::vector<signed char> first_codes = study.codes(learner.marker[0]);
     const std::vector<signed char> second_codes =
         pair ? study.codes(learner.marker[1]) : std::vector<signed char>(first_codes.size());
@@ -88,11 +88,11 @@ Cells count_cells(const Study& study, const BaseLearner& learner) {
         const int first = first_codes[i];
         const int second = second_codes[i];
         if (first < 0 || second < 0) continue;
-        Cell& cell = cells[pair ? 3 * first + second : first];
+        TableCell& cell = cells[pair ? 3 * first + second : first];
         cell.count += 1;
         if (study.phenotype[i] > 0) cell.cases += 1;
     }
-    for (Cell& cell : cells) {
+    for (TableCell& cell : cells) {
         if (cell.count > 0) cell.z = cell_statistic(study, cell.cases, cell.count);
     }
     return cells;
@@ -106,9 +106,9 @@ double cut_to_three_decimals(double z) {
     return truncated(z * 1000) / 1000.0;
 }
 
-void write_statistics(Report& report, const Cells& cells, bool pair) {
+void write_statistics(Report& report, const TableCells& cells, bool pair) {
     report << "Statistic value\t\t\t ";
-    for (const Cell& cell : cells) {
+    for (const TableCell& cell : cells) {
         if (cell.z != 0) {
             report << general(cut_to_three_decimals(cell.z)) << "\t\t ";
         } else if (pair) {
@@ -118,7 +118,7 @@ void write_statistics(Report& report, const Cells& cells, bool pair) {
         }
     }
     report << '\n' << "P-value\t\t\t\t ";
-    for (const Cell& cell : cells) {
+    for (const TableCell& cell : cells) {
         if (cell.z != 0) {
             report << general(1 - lower_tail_chi_square(1, cell.z * cell.z).value) << "\t ";
         } else if (pair) {
@@ -152,9 +152,9 @@ void write_clustering(Report& report, const BaseLearner& learner, int cells) {
     report << '\n';
 }
 
-void write_marker_table(Report& report, const Study& study, const BaseLearner& learner) {
+void write_marker_table(Report& report, const ReportedStudy& study, const BaseLearner& learner) {
     const bool pair = learner.markers == 2;
-    const Cells cells = count_cells(study, learner);
+    const TableCells cells = count_cells(study, learner);
     if (pair) {
         report << "\nMarkers\t " << learner.marker[0] << ',' << learner.marker[1];
     } else {
@@ -165,7 +165,7 @@ void write_marker_table(Report& report, const Study& study, const BaseLearner& l
         report << cell_name(static_cast<int>(code), pair) << "\t\t";
     }
     report << '\n' << "# of cases/# of controls\t ";
-    for (const Cell& cell : cells) {
+    for (const TableCell& cell : cells) {
         report << general(cell.cases) << '/' << general(cell.count - cell.cases) << "\t\t";
     }
     report << '\n';
@@ -181,8 +181,8 @@ bool repeats(const std::vector<BaseLearner>& learners, std::size_t b) {
     return mine[0] == before[0] && (learners[b].markers == 1 || mine[1] == before[1]);
 }
 
-void write_tables(Report& report, const Study& study, const std::vector<BaseLearner>& learners,
-                  int markers) {
+void write_tables(Report& report, const ReportedStudy& study,
+                  const std::vector<BaseLearner>& learners, int markers) {
     for (std::size_t b = 0; b < learners.size(); ++b) {
         if (learners[b].markers == markers && !repeats(learners, b)) {
             write_marker_table(report, study, learners[b]);
@@ -190,7 +190,8 @@ void write_tables(Report& report, const Study& study, const std::vector<BaseLear
     }
 }
 
-void write_model(Report& report, const Study& study, const std::vector<BaseLearner>& learners) {
+void write_model(Report& report, const ReportedStudy& study,
+                 const std::vector<BaseLearner>& learners) {
     report << "The final Model information\n===========================\n"
            << "Base Learner         "
            << "Intercept      ";
@@ -275,9 +276,9 @@ void write_beginning(const ReportInput& input, Transcript& out) {
     write_codes("The first ten marker of last  individual ", last);
 }
 
-Study make_study(const ReportInput& input, const Result& result) {
+ReportedStudy make_study(const ReportInput& input, const Result& result) {
     const auto n = static_cast<std::size_t>(std::max(input.settings.report.individuals, 0));
-    Study study{input.genotypes, input.phenotypes.first(n), result.columns};
+    ReportedStudy study{input.genotypes, input.phenotypes.first(n), result.columns};
     double sum = 0;
     for (const short phenotype : study.phenotype) sum += phenotype;
     study.ybar = sum / study.n();
@@ -298,7 +299,7 @@ std::string report_text(const ReportInput& input, const Result& result, Transcri
 }
 
 std::string report_body(const ReportInput& input, const Result& result, Transcript& console) {
-    const Study study = make_study(input, result);
+    const ReportedStudy study = make_study(input, result);
     const std::vector<BaseLearner>& learners = result.learners;
     Report report(console);
     write_model(report, study, learners);

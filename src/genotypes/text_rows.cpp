@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "common/characters.h"
 #include "common/stop.h"
 
 namespace vort {
@@ -12,10 +13,6 @@ namespace {
 
 constexpr std::string_view kUnreadable = "files that cannot be read";
 constexpr std::string_view kNoPhenotype = "phenotypes that are no number";
-
-bool is_space(int c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
 
 std::string expected_genotypes(int given, int markers) {
     return std::to_string(given) + " genotypes, " + std::to_string(markers) + " expected";

@@ -9,4 +9,11 @@ namespace vort {
 
 using ColumnViews = std::span<const std::span<double>>;
 
+// The terms of the sum in the order of the values.
+inline double mean_of(std::span<const double> values) {
+    double sum = 0.0;
+    for (const double value : values) sum += value;
+    return sum / static_cast<double>(values.size());
+}
+
 }  // namespace vort

@@ -4,16 +4,11 @@
 #include <cmath>
 
 #include "common/number_text.h"
+#include "lars/column_views.h"
 
 namespace vort {
 
 namespace {
-
-double mean_of(std::span<const double> values) {
-    double sum = 0.0;
-    for (const double value : values) sum += value;
-    return sum / static_cast<double>(values.size());
-}
 
 // Subtracts the mean; returns the length of what is left.
 double centre(std::span<double> values, double mean) {

@@ -15,6 +15,7 @@
 #include <cstddef>
 
 #include "common/chi_square_tail.h"
+#include "lars/column_views.h"
 #include "math/matrix1.h"
 
 namespace vort {
@@ -24,12 +25,6 @@ namespace {
 using Matrix = math::matrix1<double>;
 
 constexpr double kSelected = 1e-6;
-
-double mean_of(std::span<const double> values) {
-    double sum = 0.0;
-    for (const double value : values) sum += value;
-    return sum / static_cast<double>(values.size());
-}
 
 double variance_of(std::span<const double> values, double mean) {
     double sum = 0.0;

@@ -85,7 +85,11 @@ int* Final_result(int r, int /*Sample*/, int /*Marker*/, char** X, short** pheno
                   int ranked, int n_bl, output_information* learners, int* importance_list,
                   int marker_count, int* marker_list, int* first_codes, int* last_codes) {
     Result result;
-    for (int b = 0; b < n_bl; ++b) result.learners.push_back(learner_of(learners[b]));
+    for (int b = 0; b < n_bl; ++b) {
+        // A pair's group without cells reads as its first cell, from here on.
+        if (learners[b].nmarker == 2) learners[b].ncell = std::max(learners[b].ncell, 1);
+        result.learners.push_back(learner_of(learners[b]));
+    }
     result.markers.assign(marker_list, marker_list + marker_count);
     result.importance.assign(importance_list, importance_list + marker_count);
     const int columns = last_rank(result.learners);

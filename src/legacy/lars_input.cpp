@@ -12,18 +12,13 @@
 #include "common/diagnostics.h"
 #include "common/number_text.h"
 #include "common/text_input.h"
+#include "lars/column_views.h"
 #include "legacy/lars.h"
 #include "legacy/random.h"
 
 namespace vort {
 
 namespace {
-
-double mean_of(std::span<const double> values) {
-    double sum = 0.0;
-    for (const double value : values) sum += value;
-    return sum / static_cast<double>(values.size());
-}
 
 // The design matrix file, with its way to end the program.
 class DesignFile {

@@ -35,14 +35,14 @@ namespace {
 
 constexpr int kInsertionGap = 7;
 
-struct Range {
+struct IndexRange {
     int lo;
     int hi;
     int length() const { return hi - lo + 1; }
 };
 
 template <typename Item, typename Key>
-void insertion_sort(Item* items, Range range, Key key) {
+void insertion_sort(Item* items, IndexRange range, Key key) {
     for (int j = range.lo + 1; j <= range.hi; ++j) {
         const Item item = items[j];
         int i = j - 1;
@@ -58,7 +58,7 @@ void swap_if_greater(Item& first, Item& second, Key key) {
 
 // Splits a range of at least three items; returns the parts left and right of the pivot.
 template <typename Item, typename Key>
-std::pair<Range, Range> partition(Item* items, Range range, Key key) {
+std::pair<IndexRange, IndexRange> partition(Item* items, IndexRange range, Key key) {
     const auto [lo, hi] = range;
     std::swap(items[lo + (hi - lo) / 2], items[lo + 1]);
     swap_if_greater(items[lo], items[hi], key);
@@ -82,8 +82,8 @@ std::pair<Range, Range> partition(Item* items, Range range, Key key) {
 }
 
 template <typename Item, typename Key>
-void sort_range(Item* items, Range range, Key key) {
-    std::vector<Range> waiting;
+void sort_range(Item* items, IndexRange range, Key key) {
+    std::vector<IndexRange> waiting;
     for (;;) {
         if (range.hi - range.lo < kInsertionGap) {
             insertion_sort(items, range, key);
@@ -100,7 +100,7 @@ void sort_range(Item* items, Range range, Key key) {
 }
 
 template <typename T>
-void sort_index(const T* a, int* indx, Range range) {
+void sort_index(const T* a, int* indx, IndexRange range) {
     if (range.length() < 1) return;
     std::iota(indx + range.lo, indx + range.hi + 1, range.lo);
     sort_range(indx, range, [a](int element) { return a[element]; });
@@ -108,7 +108,7 @@ void sort_index(const T* a, int* indx, Range range) {
 
 template <typename T>
 void sort_values(T* a, int n) {
-    sort_range(a, Range{1, n}, [](T value) { return value; });
+    sort_range(a, IndexRange{1, n}, [](T value) { return value; });
 }
 
 }  // namespace

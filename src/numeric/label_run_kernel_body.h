@@ -12,10 +12,10 @@ namespace label_runs {
 
 // A register of ints, one for each of kSize orders.
 template <Instructions kInstructions>
-struct Lanes;
+struct OrderLanes;
 
 template <>
-struct Lanes<Instructions::kPortable> {
+struct OrderLanes<Instructions::kPortable> {
     static constexpr int kSize = 4;
     using Ints [[gnu::vector_size(16)]] = int;
 
@@ -28,7 +28,7 @@ struct Lanes<Instructions::kPortable> {
 };
 
 template <>
-struct Lanes<Instructions::kWide> {
+struct OrderLanes<Instructions::kWide> {
     static constexpr int kSize = 8;
     using Ints [[gnu::vector_size(32)]] = int;
 
@@ -40,7 +40,7 @@ struct Lanes<Instructions::kWide> {
 };
 
 template <>
-struct Lanes<Instructions::kWidest> {
+struct OrderLanes<Instructions::kWidest> {
     static constexpr int kSize = 16;
     using Ints [[gnu::vector_size(64)]] = int;
 
@@ -55,8 +55,8 @@ struct Lanes<Instructions::kWidest> {
 
 // One word of labels of a register's orders, from positions in rows of 64.
 template <Instructions kInstructions>
-struct Block {
-    using Types = Lanes<kInstructions>;
+struct OrderBlock {
+    using Types = OrderLanes<kInstructions>;
     using Ints = typename Types::Ints;
     static constexpr int kSize = Types::kSize;
     static constexpr int kDraws = 64;
@@ -105,24 +105,24 @@ struct Block {
 template <Instructions kInstructions>
 void LabelRunKernel<kInstructions>::draw(LabelRunLanes& lanes, int orders, int left, int count,
                                          const LabelPlanes& out) {
-    using Block = label_runs::Block<kInstructions>;
-    using Ints = typename Block::Ints;
-    for (int lane = 0; lane < orders; lane += Block::kSize) {
+    using OrderBlock = label_runs::OrderBlock<kInstructions>;
+    using Ints = typename OrderBlock::Ints;
+    for (int lane = 0; lane < orders; lane += OrderBlock::kSize) {
         Ints end[LabelRunLanes::kEnds];
         for (int e = 0; e < LabelRunLanes::kEnds; ++e) {
             std::memcpy(&end[e], lanes.ends[e] + lane, sizeof end[e]);
         }
         for (int w = 0; w < count; ++w) {
-            const int done = w * Block::kDraws;
-            Block block;
-            for (int r = 0; r < Block::kSize; ++r) {
+            const int done = w * OrderBlock::kDraws;
+            OrderBlock block;
+            for (int r = 0; r < OrderBlock::kSize; ++r) {
                 const Generator::Stretch& from = lanes.from[lane + r];
                 drawing::positions<kInstructions>({from.x + done, from.y + done, from.z + done},
-                                                  Block::kDraws, left - done, block.row[r]);
+                                                  OrderBlock::kDraws, left - done, block.row[r]);
             }
             const Ints low = block.half(0, end);
-            const Ints high = block.half(Block::kDraws / 2, end);
-            for (int r = 0; r < Block::kSize && lane + r < orders; ++r) {
+            const Ints high = block.half(OrderBlock::kDraws / 2, end);
+            for (int r = 0; r < OrderBlock::kSize && lane + r < orders; ++r) {
                 out.words[(lane + r) * out.stride + w] =
                     static_cast<std::uint64_t>(static_cast<unsigned>(high[r])) << 32 |
                     static_cast<unsigned>(low[r]);

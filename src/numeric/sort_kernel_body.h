@@ -125,7 +125,7 @@ struct Scans {
 };
 
 // From the first to the last element.
-struct Range {
+struct KeyRange {
     KeyedIndex* lo;
     KeyedIndex* hi;
     [[gnu::always_inline]] std::ptrdiff_t gap() const { return hi - lo; }
@@ -155,7 +155,7 @@ template <Instructions kInstructions, int kSize>
 
 // Up to a window of elements at one end of what lies between the scans, and the stops among them
 // that have no counterpart yet: bits of the window.
-struct Block {
+struct ScanBlock {
     KeyedIndex* begin;
     int size = 0;
     KeyedIndex* window = nullptr;
@@ -169,10 +169,10 @@ struct Block {
 // Moves both scans on through a range of at least a window, block by block: the k-th stop upward
 // and the k-th stop downward are exchanged.
 template <Instructions kInstructions>
-Scans exchange_all(Scans scans, Range range, double pivot) {
+Scans exchange_all(Scans scans, KeyRange range, double pivot) {
     constexpr int kSize = kSortWindow;
-    Block left{scans.i + 1};
-    Block right{scans.j};
+    ScanBlock left{scans.i + 1};
+    ScanBlock right{scans.j};
     std::ptrdiff_t middle = right.begin - left.begin;  // elements that are in no block yet
     for (;;) {
         if (left.stops == 0) {
@@ -217,13 +217,13 @@ Scans exchange_all(Scans scans, Range range, double pivot) {
 }
 
 struct Parts {
-    Range left;
-    Range right;
+    KeyRange left;
+    KeyRange right;
 };
 
 // `first` is where the whole array begins.
 template <Instructions kInstructions>
-[[gnu::always_inline]] inline Parts partition(Range range, KeyedIndex* first) {
+[[gnu::always_inline]] inline Parts partition(KeyRange range, KeyedIndex* first) {
     const auto [lo, hi] = range;
     KeyedIndex* const middle = lo + range.gap() / 2;
     Item a = load(lo);
@@ -250,7 +250,7 @@ template <Instructions kInstructions>
 
 // Straight insertion keeps equal keys in order, so counting the smaller ones in front of each
 // element, without a branch, gives the same order.
-[[gnu::always_inline]] inline void sort_few(Range range) {
+[[gnu::always_inline]] inline void sort_few(KeyRange range) {
     const int size = static_cast<int>(range.gap()) + 1;
     KeyedIndex item[kInsertionGap];
     int rank[kInsertionGap] = {};
@@ -270,9 +270,9 @@ template <Instructions kInstructions>
 template <Instructions kInstructions>
 void SortKernel<kInstructions>::sort(KeyedIndex* items, std::size_t size, std::size_t wanted) {
     using namespace sorting;
-    Range waiting[kDeepest];
+    KeyRange waiting[kDeepest];
     int waiting_count = 0;
-    Range range{items, items + size - 1};
+    KeyRange range{items, items + size - 1};
     const KeyedIndex* const behind_wanted = items + wanted;
     for (;;) {
         if (range.gap() < kInsertionGap) {

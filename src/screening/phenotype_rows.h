@@ -43,13 +43,15 @@ class PhenotypeRows {
   private:
     bool in_bits() const { return values_.size() == 2; }
     std::size_t words() const;
+    void add_codes();
+    void unpack_all();
 
     int individuals_;
     int count_ = 0;
     std::vector<short> values_;        // those of the bits 0 and 1; none where rows are not bits
     std::vector<std::uint64_t> bits_;  // row after row
     std::vector<short> phenotypes_;    // row after row
-    std::vector<short> last_;          // the last row
+    std::vector<short> last_;          // the last row: places in values_ where there are any
 };
 
 }  // namespace vort

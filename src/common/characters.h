@@ -1,0 +1,17 @@
+// Kinds of characters, whatever the locale.
+#pragma once
+
+namespace vort {
+
+// A character, or a value of the kind that stands for the end of a file.
+constexpr bool is_space(int c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+constexpr bool is_digit(int c) {
+    return c >= '0' && c <= '9';
+}
+constexpr bool is_letter(int c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+}  // namespace vort
