@@ -30,6 +30,7 @@ struct ModelledDataSet {
     std::optional<Selection> selection;  // where the design has columns
     PairSearchStatistics pair_search;
     Transcript transcript{false};
+    bool stopped = false;  // half-way; the Stop follows
 };
 
 class ModelStage {
