@@ -53,8 +53,7 @@ struct ScoredSet {
 ScoredSet score_set(const BuilderData& data, const BuilderSettings& settings, const KeptSets& kept,
                     int s, const Generator& start, bool announce, bool wanted);
 
-// What the console shows of a data set in the order of the phases. `scored` holds the sets up to
-// the first that stopped the run.
+// What the console shows of a data set, in the order of the phases, as far as its sets are scored.
 void print_build(const BuilderData& data, const BuilderInput& input, const Imputation& imputation,
                  const KeptSets& kept, const std::vector<ScoredSet>& scored, bool permuted,
                  Transcript& out);

@@ -188,21 +188,24 @@ void EnsembleStage::analyse_permutations() {
 }
 
 void EnsembleStage::list_markers() {
-    const bool significant = result_.has_model && result_.pvalue < kSignificant;
     const int m = static_cast<int>(importance_.size()) - 1;
     std::vector<int> order(importance_.size());
     if (m > 0) Quickindex(importance_.data(), order.data(), m);
-    Transcript out(options_.transcript);
-    out << (significant ? "Best marker is " : "drop marker is ");
     for (int position = m; position >= 1; --position) {
         const int marker = order[position];
         if (selected_[marker] == 0) continue;
-        out << marker << ' ';
         result_.markers.push_back(marker);
         result_.importance.push_back(truncated(importance_[marker]));
     }
+}
+
+void EnsembleStage::print_markers(const Result& result) const {
+    const bool significant = result.has_model && result.pvalue < kSignificant;
+    Transcript out(options_.transcript);
+    out << (significant ? "Best marker is " : "drop marker is ");
+    for (const int marker : result.markers) out << marker << ' ';
     out << (significant ? "\nImportantmeasure is " : "\nimportantmeasure is ");
-    for (const int measure : result_.importance) out << measure << ' ';
+    for (const int measure : result.importance) out << measure << ' ';
     out << '\n';
     for (const char in : selected_) out << (in != 0 ? '1' : '0');
     out << '\n';

@@ -48,8 +48,11 @@ class EnsembleStage {
     // Where the generator stands after the run.
     const Generator& next_draw() const { return models_.next_draw(); }
 
-    // After a stop.
+    // What run() leaves behind, whether it ended or stopped.
     IntermediateTexts intermediate_texts() const;
+
+    // The console's list of the model's markers, after run().
+    void print_markers(const Result& result) const;
 
   private:
     void announce();
@@ -62,7 +65,7 @@ class EnsembleStage {
     bool select_markers();
     void analyse_permutations();
     void list_markers();
-    void say(const Transcript& text) { options_.console(text.text()); }
+    void say(const Transcript& text) const { options_.console(text.text()); }
 
     ScreenedStudy study_;
     Settings settings_;

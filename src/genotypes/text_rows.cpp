@@ -67,11 +67,10 @@ void remark_on_row(const TextDataSet& settings, long line, int given, bool lone_
 TextRows::TextRows(const TextDataSet& settings, Diagnostics& diagnostics)
     : settings_(settings), diagnostics_(diagnostics), input_(settings.file) {
     if (!input_.is_open()) {
-        const int reason = input_.open_error();
-        const std::string text = "file open " + settings_.file + " not good\n";
-        if (reason != EISDIR) stop(text);
-        say(kUnreadable, 0, "is a directory; a file was expected");
-        stop(text, 1);
+        if (input_.open_error() == EISDIR) {
+            say(kUnreadable, 0, "is a directory; a file was expected");
+        }
+        stop("file open " + settings_.file + " not good\n");
     }
     if (settings_.head == 1) read_header();
 }

@@ -105,6 +105,7 @@ int* permutation_simulation1(int individuals, int markers, char** genotypes, sho
     copy_first_codes(model, genotypes);
 
     write_file("P_value.txt", pvalue_text(result));
+    stage.print_markers(result);
     base_learner.clear();
     for (const BaseLearner& learner : result.learners) {
         base_learner.push_back(information_of(learner));

@@ -67,7 +67,8 @@ template <>
 [[gnu::always_inline]] inline double whole_quotient(const double& R, const double& S,
                                                     const double& alleles) {
     const auto exact = [](double whole) { return static_cast<std::int64_t>(whole); };
-    return static_cast<double>(4 * exact(R) * exact(S) / exact(alleles > 0.0 ? alleles : 1.0));
+    const std::int64_t quotient = 4 * exact(R) * exact(S) / exact(alleles > 0.0 ? alleles : 1.0);
+    return static_cast<double>(quotient);
 }
 
 template <typename Number>

@@ -36,10 +36,7 @@ class Analysis {
             take_prepared_files();
         }
         introduce_ensemble();
-        const Result result = model();
-        write_pvalues(result);
-        write_report(result);
-        return result;
+        return model_and_report();
     }
 
   private:
@@ -54,7 +51,9 @@ class Analysis {
     void screen();
     void take_prepared_files();
     void introduce_ensemble();
-    Result model();
+    EnsembleOptions ensemble_options();
+    Result model_and_report();
+    void leave(const IntermediateTexts& texts);
     void write_pvalues(const Result& result);
     void write_report(const Result& result);
     OutputFile open(const char* name, OutputFile::Mode mode) {
@@ -123,7 +122,7 @@ void Analysis::introduce_ensemble() {
     say(out);
 }
 
-Result Analysis::model() {
+EnsembleOptions Analysis::ensemble_options() {
     EnsembleOptions ensemble;
     ensemble.threads = options_.threads;
     ensemble.transcript = options_.console;
@@ -131,17 +130,29 @@ Result Analysis::model() {
     ensemble.progress = [this](int k, double statistic) {
         observer_.modelled(k, settings_.builder.permutations, statistic);
     };
-    EnsembleStage stage({study_.genotypes, phenotypes_, best_}, settings_, ensemble);
+    return ensemble;
+}
+
+Result Analysis::model_and_report() {
+    EnsembleStage stage({study_.genotypes, phenotypes_, best_}, settings_, ensemble_options());
     try {
-        return stage.run();
+        Result result = stage.run();
+        write_pvalues(result);
+        stage.print_markers(result);
+        write_report(result);
+        return result;
     } catch (const Stop&) {
-        const IntermediateTexts texts = stage.intermediate_texts();
-        if (!texts.design.empty())
-            open("output_X_Y.txt", OutputFile::Mode::kTruncate) << texts.design;
-        if (!texts.coefficients.empty()) {
-            open("beta.txt", OutputFile::Mode::kTruncate) << texts.coefficients;
-        }
+        leave(stage.intermediate_texts());
         throw;
+    }
+}
+
+void Analysis::leave(const IntermediateTexts& texts) {
+    if (!texts.design.empty()) {
+        open("output_X_Y.txt", OutputFile::Mode::kTruncate) << texts.design;
+    }
+    if (!texts.coefficients.empty()) {
+        open("beta.txt", OutputFile::Mode::kTruncate) << texts.coefficients;
     }
 }
 
