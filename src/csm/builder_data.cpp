@@ -35,6 +35,18 @@ BuilderData::BuilderData(const BuilderInput& input, const BuilderSettings& setti
     }
 }
 
+BuilderData::BuilderData(PlacedData placed)
+    : order_(placed.phenotype.size()),
+      y_(std::move(placed.phenotype)),
+      sigma_(placed.sigma),
+      cases_(placed.cases),
+      quantitative_(placed.quantitative),
+      planes_(std::move(placed.planes)),
+      frequencies_(static_cast<std::size_t>(planes_.markers())),
+      missing_before_(frequencies_.size() + 1) {
+    std::iota(order_.begin(), order_.end(), 0);
+}
+
 // First all cases to the front, by exchanges from both ends; then the second half of them with the
 // first individuals of the second half.
 void BuilderData::spread_cases() {

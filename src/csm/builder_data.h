@@ -32,11 +32,22 @@ struct GenotypeFrequencies {
     double of_1 = 0;
 };
 
+// A data set whose individuals are in their places and whose phenotype is centred. Its missing
+// genotypes are filled in by whoever asks for them, so none is counted here.
+struct PlacedData {
+    MarkerPlanes planes;
+    std::vector<double> phenotype;
+    double sigma;
+    int cases;
+    bool quantitative;
+};
+
 class BuilderData {
   public:
     // `quantitative`: whether a data set before this one had a phenotype other than 0 and 1.
     BuilderData(const BuilderInput& input, const BuilderSettings& settings, bool quantitative,
                 int threads);
+    explicit BuilderData(PlacedData placed);
 
     int individuals() const { return static_cast<int>(y_.size()); }
     int markers() const { return static_cast<int>(frequencies_.size()); }

@@ -45,6 +45,9 @@ class EnsembleStage {
     // worked on.
     Result run();
 
+    // Where the generator stands after the run.
+    const Generator& next_draw() const { return models_.next_draw(); }
+
     // What run() leaves behind, whether it ended or stopped.
     IntermediateTexts intermediate_texts() const;
 

@@ -294,8 +294,11 @@ ReportedStudy make_study(const ReportInput& input, const Result& result) {
 std::string report_text(const ReportInput& input, const Result& result, Transcript& console) {
     Transcript beginning(true);
     write_beginning(input, beginning);
-    if (result.learners.empty()) return std::string(beginning.text());
-    beginning << '\n';
+    if (!result.learners.empty()) beginning << '\n' << report_body(input, result, console);
+    return std::string(beginning.text());
+}
+
+std::string report_body(const ReportInput& input, const Result& result, Transcript& console) {
     const ReportedStudy study = make_study(input, result);
     const std::vector<BaseLearner>& learners = result.learners;
     Report report(console);
@@ -309,7 +312,7 @@ std::string report_text(const ReportInput& input, const Result& result, Transcri
     report << "\n\nTwo-locus combinations \n";
     write_tables(report, study, learners, 2);
     write_importance(report, result.markers, result.importance);
-    return std::string(beginning.text()) + report.text();
+    return report.text();
 }
 
 std::string marker_names_text(const Settings& settings, const Result& result,

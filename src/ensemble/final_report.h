@@ -23,6 +23,9 @@ struct ReportInput {
 // The report up to the marker names; most of it is echoed on the console, too.
 std::string report_text(const ReportInput& input, const Result& result, Transcript& console);
 
+// What of it is echoed: all but the beginning, of a result with base learners.
+std::string report_body(const ReportInput& input, const Result& result, Transcript& console);
+
 // The names of the model's markers, which end the report. A name is that of the line before the
 // marker's own: it is looked up by the marker's column counted from 0. A table that cannot be used
 // stops the run.

@@ -47,6 +47,9 @@ class ModelStage {
     // Data sets first .. first + count - 1; every call goes on where the one before ended.
     void run(int first, int count, const Take& take);
 
+    // Where the draws of the data set after the last one begin.
+    const Generator& next_draw() const { return next_draw_; }
+
     // Bytes that the stage takes.
     static double bytes(double individuals, double markers, double columns, int threads);
 

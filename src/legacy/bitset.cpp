@@ -1,4 +1,4 @@
-#include "common/bitset.h"
+#include "legacy/bitset.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,11 +1,11 @@
-#include "numeric/deviates.h"
+#include "legacy/deviates.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
 
-#include "numeric/offset_owner.h"
-#include "numeric/random.h"
+#include "legacy/offset_owner.h"
+#include "legacy/random.h"
 
 namespace vort {
 

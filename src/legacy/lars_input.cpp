@@ -12,8 +12,9 @@
 #include "common/diagnostics.h"
 #include "common/number_text.h"
 #include "common/text_input.h"
+#include "lars/column_views.h"
 #include "legacy/lars.h"
-#include "numeric/random.h"
+#include "legacy/random.h"
 
 namespace vort {
 

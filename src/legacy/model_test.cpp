@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "lars/score_test.h"
+#include "legacy/distributions.h"
 #include "legacy/on_console.h"
-#include "numeric/distributions.h"
 
 namespace vort {
 

@@ -1,4 +1,4 @@
-#include "numeric/nrerror.h"
+#include "legacy/nrerror.h"
 
 #include <cstdlib>
 #include <iostream>

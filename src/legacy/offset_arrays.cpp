@@ -1,4 +1,4 @@
-#include "numeric/offset_arrays.h"
+#include "legacy/offset_arrays.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "numeric/nrerror.h"
+#include "legacy/nrerror.h"
 
 // Part of the leak checker's runtime; null where the program is built without it.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)

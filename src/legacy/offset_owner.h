@@ -10,7 +10,7 @@
 
 #include <memory>
 
-#include "numeric/offset_arrays.h"
+#include "legacy/offset_arrays.h"
 
 namespace vort {
 

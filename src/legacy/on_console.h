@@ -15,7 +15,7 @@ template <typename Act>
 auto on_console(Act act) {
     Transcript transcript(true);
     try {
-        const auto result = act(transcript);
+        auto result = act(transcript);
         std::cout << transcript.text();
         return result;
     } catch (const Stop& end) {

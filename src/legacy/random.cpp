@@ -1,4 +1,4 @@
-#include "numeric/random.h"
+#include "legacy/random.h"
 
 #include <cstdlib>
 #include <span>
@@ -15,29 +15,33 @@ int RZ = 5;
 
 namespace {
 
-void store(const Generator& generator) {
+void draw_items(std::span<int> order) {
+    Generator generator = default_generator();
+    draw_order(generator, order);
+    store_generator(generator);
+}
+
+}  // namespace
+
+Generator default_generator() {
+    return Generator(RX, RY, RZ);
+}
+
+void store_generator(const Generator& generator) {
     RX = generator.x();
     RY = generator.y();
     RZ = generator.z();
 }
 
-void draw_items(std::span<int> order) {
-    Generator generator(RX, RY, RZ);
-    draw_order(generator, order);
-    store(generator);
-}
-
-}  // namespace
-
 double rand1() {
-    Generator generator(RX, RY, RZ);
+    Generator generator = default_generator();
     const double drawn = generator.next();
-    store(generator);
+    store_generator(generator);
     return drawn;
 }
 
 void init_rand1() {
-    store(Generator());
+    store_generator(Generator());
 }
 
 double rand2() {

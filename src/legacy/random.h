@@ -4,6 +4,8 @@
 // it. How many numbers a function draws is therefore part of what it promises.
 #pragma once
 
+#include "numeric/generator.h"
+
 namespace vort {
 
 // State of rand1(), one residue for each of its three parts: 1, 3 and 5 at the start. Written by
@@ -11,6 +13,10 @@ namespace vort {
 extern int RX;
 extern int RY;
 extern int RZ;
+
+// The state as a generator, and back.
+Generator default_generator();
+void store_generator(const Generator& generator);
 
 // Uniform number in [0, 1).
 double rand1();

@@ -6,7 +6,7 @@
 // Items equal to the pivot go to the back, so n equal items take n partitions of n. The front is
 // sorted by recursion, the back by going round again: the order of the random draws is the same,
 // and equal items do not deepen the recursion.
-#include "numeric/recursive_sort.h"
+#include "legacy/recursive_sort.h"
 
 #include <functional>
 #include <span>
@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "numeric/random.h"
+#include "legacy/random.h"
 
 namespace vort {
 

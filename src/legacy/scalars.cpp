@@ -1,4 +1,4 @@
-#include "numeric/scalars.h"
+#include "legacy/scalars.h"
 
 #include <algorithm>
 #include <cmath>

@@ -37,8 +37,8 @@ void ChiSquareQueue::evaluate(Line& line, std::size_t size) const {
     });
     expand(line.a, line.gln, line.x.data(), static_cast<int>(padded), line.tail.data());
     for (std::size_t k = 0; k < size; ++k) {
-        // The plain form says on the console what it thinks of a series that does not converge.
-        if (line.tail[k] < 0) line.tail[k] = 1 - gammp(line.a, line.x[k]);
+        // What does not converge in lanes is worked out in the plain form.
+        if (line.tail[k] < 0) line.tail[k] = 1 - lower_tail_gamma(line.a, line.x[k]).value;
     }
 }
 

@@ -9,8 +9,8 @@
 // I. J. Thompson and A. R. Barnett, J. Comput. Phys. 64, 1986, p. 490). ln Gamma is Lanczos's
 // approximation with six terms (C. Lanczos, SIAM J. Numer. Anal. B 1, 1964, p. 86).
 //
-// Example: the 5 % point of one degree of freedom, pchisq(1, 3.841459) = P(0.5, 1.9207295) = 0.95,
-// takes ten terms.
+// Example: 3.841459 is the 5 % point of one degree of freedom, and P(0.5, 1.9207295) = 0.95 takes
+// ten terms.
 //
 // The accuracy asked for is 3e-7, and p-values are printed and compared as they come out: neither
 // the constants nor the order of the operations may be improved on.
@@ -18,8 +18,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdlib>
-#include <iostream>
 
 namespace vort {
 
@@ -30,16 +28,6 @@ constexpr double kAccuracy = 3e-7;
 constexpr double kSmallest = 1e-30;
 constexpr const char* kShortSeries = "a too large, ITMAX too small in routing gser\n";
 constexpr const char* kShortFraction = "a too large, ITMAX too small in gcf\n";
-
-[[noreturn]] void domain_error(const char* text) {
-    std::cout << text << std::flush;
-    std::exit(1);
-}
-
-double told(const Tail& tail) {
-    if (tail.warning != nullptr) std::cout << tail.warning;
-    return tail.value;
-}
 
 // gammln of a half of a whole number, which is what chi-square distributions ask for.
 double log_gamma(double a) {
@@ -97,39 +85,22 @@ Tail fraction(double a, double x, double gln) {
 
 }  // namespace
 
+Tail gamma_series(double a, double x) {
+    return x <= 0.0 ? Tail{0.0, nullptr} : series(a, x, log_gamma(a));
+}
+
+Tail upper_gamma_fraction(double a, double x) {
+    return fraction(a, x, log_gamma(a));
+}
+
 Tail lower_tail_gamma(double a, double x) {
-    if (x < a + 1.0) return x <= 0.0 ? Tail{0.0, nullptr} : series(a, x, log_gamma(a));
-    const Tail upper = fraction(a, x, log_gamma(a));
+    if (x < a + 1.0) return gamma_series(a, x);
+    const Tail upper = upper_gamma_fraction(a, x);
     return {1.0 - upper.value, upper.warning};
 }
 
 Tail lower_tail_chi_square(int df, double x) {
     return lower_tail_gamma(df / 2.0, x / 2.0);
-}
-
-double pchisq(int df, double x) {
-    return gammp(df / 2.0, x / 2.0);
-}
-
-double pnormal(double z) {
-    const double t = z * z / 2.0;
-    return z >= 0.0 ? 0.5 + 0.5 * gammp(0.5, t) : 0.5 - 0.5 * gammp(0.5, t);
-}
-
-double gammp(double a, double x) {
-    if (x < 0.0 || a <= 0.0) domain_error(kGammaDomain);
-    return told(lower_tail_gamma(a, x));
-}
-
-void gser(double* gamser, double a, double x, double* gln) {
-    *gln = log_gamma(a);
-    if (x < 0.0) domain_error("error input parameter in routing gser\n");
-    *gamser = x <= 0.0 ? 0.0 : told(series(a, x, *gln));
-}
-
-void gcf(double* gammcf, double a, double x, double* gln) {
-    *gln = log_gamma(a);
-    *gammcf = told(fraction(a, x, *gln));
 }
 
 double gammln(double x) {

@@ -2,9 +2,8 @@
 // relative accuracy of about 3e-7.
 //
 // A series or continued fraction that has not converged after 200 terms gives what it has reached,
-// with a warning; a NaN argument x ends there too. Functions that return a Tail leave it to the
-// caller to say so. The others print it on standard output; an argument outside the domain prints
-// a message there and ends the process with status 1.
+// with a warning that the caller may tell; a NaN argument x ends there too. Arguments outside the
+// domain are the caller's to refuse.
 #pragma once
 
 namespace vort {
@@ -23,20 +22,10 @@ Tail lower_tail_gamma(double a, double x);
 // Lower tail of the chi-square distribution with df >= 1 degrees of freedom, x >= 0 or NaN.
 Tail lower_tail_chi_square(int df, double x);
 
-// Lower tail of the chi-square distribution with df >= 1 degrees of freedom, x >= 0.
-double pchisq(int df, double x);
-
-// Standard normal distribution function.
-double pnormal(double z);
-
-// Regularised lower incomplete gamma function P(a, x), a > 0, x >= 0.
-double gammp(double a, double x);
-
-// P(a, x) by its series, which converges fast for x < a + 1; ln Gamma(a) goes to gln.
-void gser(double* gamser, double a, double x, double* gln);
-
-// Q(a, x) = 1 - P(a, x) by its continued fraction, for x >= a + 1; ln Gamma(a) goes to gln.
-void gcf(double* gammcf, double a, double x, double* gln);
+// The two forms of P(a, x), whichever converges: by its series, fast for x < a + 1, and by the
+// continued fraction of Q(a, x) = 1 - P(a, x), which is what the second one gives, for x >= a + 1.
+Tail gamma_series(double a, double x);
+Tail upper_gamma_fraction(double a, double x);
 
 // ln Gamma(x) for x > 0.
 double gammln(double x);

@@ -25,7 +25,6 @@
 // Cost: n log2(n) comparisons on average, n^2 / 4 at worst; equal keys are split evenly.
 #include "numeric/index_sort.h"
 
-#include <iostream>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -34,7 +33,6 @@ namespace vort {
 
 namespace {
 
-constexpr std::size_t kStackEntries = 50;
 constexpr int kInsertionGap = 7;
 
 struct IndexRange {
@@ -96,9 +94,6 @@ void sort_range(Item* items, IndexRange range, Key key) {
         }
         const auto [left, right] = partition(items, range, key);
         const bool right_waits = right.length() >= left.length();
-        if (2 * (waiting.size() + 1) > kStackEntries) {
-            std::cout << "NSTACK too small in Quicksort\n";
-        }
         waiting.push_back(right_waits ? right : left);
         range = right_waits ? left : right;
     }
