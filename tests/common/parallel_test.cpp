@@ -4,70 +4,55 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <stdexcept>
 #include <string>
 
+#include "common/stop.h"
 #include "common/transcript.h"
 
 namespace vort {
 namespace {
 
-// Passes that take unlike times, and so end in another order than they began.
-void dawdle(std::size_t i) {
+// A pass that throws from `first` on; passes take unlike times, and so end in another order than
+// they began.
+void pass(std::size_t i, std::size_t first = 1000) {
     std::this_thread::sleep_for(std::chrono::microseconds(i % 3 * 200));
+    if (i >= first) throw Stop{static_cast<int>(i), ""};
 }
 
-// The loop's outcome, where `failing` passes throw their number.
+// The lowest pass that failed, or 0.
 template <typename Loop>
-std::string outcome(Loop loop) {
-    try {
-        loop();
-        return "done";
-    } catch (const std::runtime_error& failure) {
-        return failure.what();
-    }
-}
-
-void fail_from(std::size_t first, std::size_t i) {
-    if (i >= first) throw std::runtime_error(std::to_string(i));
+int failed(Loop loop) try {
+    loop();
+    return 0;
+} catch (const Stop& failure) {
+    return failure.status;
 }
 
 TEST(ForEachIndex, RunsEveryPassOnceAndThrowsTheLowestFailure) {
     for (const int threads : {1, 2, 5, 64}) {
         for (const std::size_t count : {0, 1, 2, 63, 300}) {
             std::vector<int> runs(count);
-            for_each_index(threads, count, [&](std::size_t i) { dawdle(i), ++runs[i]; });
+            for_each_index(threads, count, [&](std::size_t i) { pass(i), ++runs[i]; });
             EXPECT_EQ(runs, std::vector<int>(count, 1)) << threads;
         }
-        const auto failing = [&] {
-            for_each_index(threads, 100, [](std::size_t i) { dawdle(i), fail_from(40, i); });
-        };
-        EXPECT_EQ(outcome(failing), "40") << threads;
+        const auto body = [](std::size_t i) { pass(i, 40); };
+        EXPECT_EQ(failed([&] { for_each_index(threads, 100, body); }), 40) << threads;
     }
 }
 
 TEST(ForEachInOrder, DeliversInOrderUpToTheLowestFailure) {
-    enum { kNever, kMaking, kDelivering };
     for (const int threads : {1, 2, 5, 64}) {
-        for (const int failing : {kNever, kMaking, kDelivering}) {
-            SCOPED_TRACE(::testing::Message() << threads << " threads, failing " << failing);
-            std::vector<std::size_t> delivered;
-            const auto loop = [&] {
-                for_each_in_order(
-                    threads, 100,
-                    [&](std::size_t i) {
-                        dawdle(i);
-                        if (failing == kMaking) fail_from(40, i);
-                        return i * i;
-                    },
-                    [&](std::size_t i, std::size_t made) {
-                        EXPECT_TRUE(i == delivered.size() && made == i * i);
-                        if (failing == kDelivering) fail_from(40, i);
-                        delivered.push_back(i);
-                    });
+        for (const int failing : {0, 1, 2}) {  // nothing, making, delivering
+            std::size_t next = 0;
+            const auto make = [&](std::size_t i) { return pass(i, failing == 1 ? 40 : 1000), i; };
+            const auto deliver = [&](std::size_t i, std::size_t made) {
+                EXPECT_TRUE(i == next && made == i) << i;
+                pass(i, failing == 2 ? 40 : 1000);
+                ++next;
             };
-            EXPECT_EQ(outcome(loop), failing == kNever ? "done" : "40");
-            EXPECT_EQ(delivered.size(), failing == kNever ? 100U : 40U);
+            EXPECT_EQ(failed([&] { for_each_in_order(threads, 100, make, deliver); }),
+                      failing == 0 ? 0 : 40);
+            EXPECT_EQ(next, failing == 0 ? 100U : 40U) << threads;
         }
     }
 }
@@ -75,14 +60,14 @@ TEST(ForEachInOrder, DeliversInOrderUpToTheLowestFailure) {
 TEST(Transcript, HoldsWhatItIsGivenWhereItIsWanted) {
     for (const bool wanted : {true, false}) {
         Transcript part(wanted), whole(wanted);
+        std::string expected;
         for (int i = 0; i < 1000; ++i) {
             part << "x=" << general(0.25) << ' ' << fixed(-2.0, 1, 5) << -7L << std::string("\n");
+            expected += "x=0.25  -2.0-7\n";
         }
         whole.add(part);
         part.clear();
         whole.add(part << "end");
-        std::string expected;
-        for (int i = 0; i < 1000; ++i) expected += "x=0.25  -2.0-7\n";
         EXPECT_EQ(whole.text(), wanted ? expected + "end" : "");
     }
 }

@@ -29,41 +29,37 @@ std::string shown(const ParameterFile& file) {
 
 TEST(ParameterFile, Entries) {
     const std::pair<std::string, std::string> rows[] = {
-        {"", "0 lines:; 0"},
         {"\n\nHead 1\n\n\nBest_m -5.25\n", "2 lines: Head=1@3 Best_m=-5.25@6; 2"},
         {"Head\t1\r\n\r\n", "2 lines: Head=1@1 =0?@0; 1"},
-        {"Head\n1\nBest_m\n5\n", "4 lines: Head=1@1 Best_m=5@3 =0?@0 =0?@0; 2"},
+        {"Head\n1\nBest_m 5", "3 lines: Head=1@1 Best_m=5@3 =0?@0; 2"},
         {"Head 1 Best_m 5\n", "1 lines: Head=1@1; 1"},
-        {"Inputfile\ta.txt\nSymbol -1\ncy 7x\n",
-         "3 lines: Inputfile='a.txt'@1 Symbol='-1'@2 cy='7x'@3; 3"},
+        {"In\ta.txt\nSymbol -1\ncy 7x", "3 lines: In='a.txt'@1 Symbol='-1'@2 cy='7x'@3; 3"},
         // The rest of a word becomes the next name, and a word that is no number is read again.
         {"Sample_size 12abc 7\nHead 1\n", "2 lines: Sample_size=12?@1 abc=7@1; 2"},
         {"Head 1e1e\nBest 3", "2 lines: Head=10?@1 e=0?@1; 2"},
         {"Head 0x1F\nBest_m -inf\nMax +.5e+1\n", "3 lines: Head=31@1 Best_m=-inf@2 Max=5@3; 3"},
         // Names that start with no letter take a place, but not in the count.
         {"1x 5\nHead 1\n_m 3\nBest_m 3\n", "4 lines: 1x=5@1 Head=1@2 _m=3@3 Best_m=3@4; 2"},
-        {std::string(60, 'a') + " 1\nI" + std::string(60, 'b') + ' ' + std::string(120, 'c'),
-         "2 lines: " + std::string(51, 'a') + "=1@1 I" + std::string(50, 'b') + "='" +
-             std::string(99, 'c') + "'@2; 2"}};
+        {std::string(60, 'a') + " 1\nI " + std::string(120, 'c'),
+         "2 lines: " + std::string(51, 'a') + "=1@1 I='" + std::string(99, 'c') + "'@2; 2"}};
     for (const auto& [text, expected] : rows) EXPECT_EQ(shown(parse_parameters(text)), expected);
 }
 
 TEST(ParameterOf, LooksAtAFewLettersOnly) {
     using enum Parameter;
-    const std::pair<Parameter, const char*> rows[] = {
-        {kHead, "Head"},
-        {kRecorder, "Recorder_num xecx"},
-        {kSampleSize, "Sample_size camel"},
-        {kMarkers, "Number_of_markers Nu Number_of_Permutation Num_of_permutations 1u345678901p"},
-        {kPermutations, "Number_of_permutation 1u34567890p"},
-        {kBestM, "Best_m Permarker_no _e"},
-        {kReplicates, "true"},
-        {kIgnored, "Ma Marker_num"},
-        {kUnknown, "fdr_cutoff SAMPLE_SIZE a"}};
-    for (const auto& [expected, names] : rows) {
-        std::istringstream words(names);
-        for (std::string name; words >> name;) EXPECT_EQ(parameter_of(name), expected) << name;
-    }
+    const std::pair<Parameter, const char*> rows[] = {{kSampleSize, "camel"},
+                                                      {kMarkers, "Num_of_permutations"},
+                                                      {kMarkers, "1u345678901p"},
+                                                      {kRecorder, "xecx"},
+                                                      {kPermutations, "1u34567890p"},
+                                                      {kBestM, "Permarker_no"},
+                                                      {kReplicates, "true"},
+                                                      {kIgnored, "Marker_num"},
+                                                      {kUnknown, "fdr_cutoff"},
+                                                      {kUnknown, "HEAD"},
+                                                      {kBestM, "_e"},
+                                                      {kUnknown, "a"}};
+    for (const auto& [expected, name] : rows) EXPECT_EQ(parameter_of(name), expected) << name;
 }
 
 // Numbers of a view, then what else it takes.
@@ -97,7 +93,6 @@ TEST(Settings, EachStageTakesItsOwn) {
 
 TEST(Settings, MoreBestMarkersThanMarkersStopTheRun) {
     const std::pair<const char*, const char*> rows[] = {
-        {"Best_m 541326", "0 find error for Best_m=541326 and nmarker=541325"},
         {"Best_m 5\nNumber_of_markers 4", "0 find error for Best_m=5 and nmarker=4"},
         {"Number_of_markers -1", "0 find error for Best_m=0 and nmarker=-1"},
         {"Best_m 4.9\nNumber_of_markers 4", "goes on"}};
@@ -107,87 +102,57 @@ TEST(Settings, MoreBestMarkersThanMarkersStopTheRun) {
     }
 }
 
-TEST(ParameterWarnings, TellOfTooManyLinesAndNeedlessNames) {
-    const std::string needless =
-        "Find error,needless parameter! parametername=Odd parametervalue=2.750000 k=";
-    std::string text;
-    for (int line = 1; line <= 22; ++line) {
-        text += line <= 2 ? "Odd 2.75\n" : "Head 1\n";
-        const ParameterFile file = parse_parameters(text);
-        Transcript said(true);
-        print_warnings(file, said);
-        std::string expected;
-        if (line > 15) {
-            expected =
-                "There are too many line in parameter file to deal i=" + std::to_string(line) +
-                "\n               please delete those line for not use and line number "
-                "don't more than 15.\n";
-        }
-        const std::string k = std::to_string(std::min(line, 20)) + '\n';
-        expected += needless + k + (line > 1 ? needless + k : "");
-        EXPECT_EQ(said.text(), expected);
-    }
-}
-
 TEST(ParameterDiagnostics, NothingIsIgnoredOrGuessedInSilence) {
-    std::string full;
-    for (int line = 1; line <= 22; ++line) full += "Odd 1\n";
     const std::pair<std::string, std::string> rows[] = {
-        {full,
-         "21: Odd: ignored from here on: 22 lines, so the first 20 names and values are read"},
-        {"Head 1\nBest_m 0\nMax_retain 0\nNumber_of_permutation 0\nSample_size 1\nOdd 5\n", ""},
-        {"Sample_size 12abc\n",
-         "1: Sample_size: a number was expected, not \"12abc\"; what is no number of it is read as "
-         "the next name\n1: abc: ignored from here on: 1 lines, so the first 1 names and values "
-         "are read"},
-        {"\nSample_size", "2: Sample_size: a number was expected; it is taken as 0"},
-        {"Best_m 9.5\n",
-         "1: Best_m: a whole number was expected, not 9.5; it is cut, and rounded by the builder "
-         "of base learners"},
-        {"Head 1\n\nHead 1\n", "3: Head: given before in line 1; the last value is used"},
-        {"Sample_size 0\n", "1: Sample_size: at least 1 was expected, not 0"},
-        {"Number_of_permutation -1\n", "1: Number_of_permutation: at least 0 was expected, not -1"},
-        {"Best_m 1e10\n", "1: Best_m: 1e10 does not fit a whole number; -2147483648 is used"},
-        {"Best_m 123456789\n", "1: Best_m: 123456789 has too many digits; 123456792 is used"},
-        {"Head 2\n", "1: Head: 0 or 1 was expected, not 2; 0 is used"},
-        {"FDR_cutoff_for_candidate_locus_combinations 1.5\n",
+        {"Head 1\nFDR_cutoff_for_candidate_locus_combinations 1\nSymbol_of_missing_Gentype x\nOdd "
+         "5",
+         ""},
+        {"Head 12abc",
+         "1: Head: a number was expected, not \"12abc\"; what is no number of it is read as the "
+         "next name\n1: abc: ignored from here on: 1 lines, so the first 1 names and values are "
+         "read\n"},
+        {"Head 1\n\nHead 1", "3: Head: given before in line 1; the last value is used\n"},
+        {"Head 0.5",
+         "1: Head: a whole number was expected, not 0.5; it is cut, and rounded by the builder of "
+         "base learners\n"},
+        {"Head 1e10", "1: Head: 1e10 does not fit a whole number; -2147483648 is used\n"},
+        {"Head 123456789", "1: Head: 123456789 has too many digits; 123456792 is used\n"},
+        {"Head 2", "1: Head: 0 or 1 was expected, not 2; 0 is used\n"},
+        {"FDR_cutoff_for_candidate_locus_combinations 1.5",
          "1: FDR_cutoff_for_candidate_locus_combinations: above 0 and at most 1 was expected, not "
-         "1.5; 0.75 is used"},
-        {"Marker_num 5\n", "1: Marker_num: no such parameter; it is ignored"},
-        {"Trials 5\n",
-         "1: Trials: no such parameter; its letters make it be taken as Number_of_permutation"},
-        {"Inputfile", "1: Inputfile: a value was expected"},
-        {"Inputfile " + std::string(100, 'f'), "1: Inputfile: at most 99 characters are kept"},
-        {"9 1\nBest_m 5\n",
-         "2: Best_m: ignored: for each name that starts with no letter the last entry is left "
-         "out"}};
+         "1.5; 0.75 is used\n"},
+        {"Marker_num 5", "1: Marker_num: no such parameter; it is ignored\n"},
+        {"Sample_size 0", "1: Sample_size: at least 1 was expected, not 0\n"},
+        {"Max_retain -1", "1: Max_retain: at least 0 was expected, not -1\n"},
+        {"Inputfile " + std::string(100, 'f'), "1: Inputfile: at most 99 characters are kept\n"},
+        {"Heads 1", "1: Heads: no such parameter; its letters make it be taken as Head\n"},
+    };
     for (const auto& [text, expected] : rows) {
         Told told;
-        diagnose_parameters(parse_parameters(text), told.diagnostics());
-        std::istringstream said(told.take());
-        std::string but_missing;
-        for (std::string line; std::getline(said, line);) {
-            if (line.find(" is not given; ") == line.npos) but_missing += line + '\n';
-        }
-        const std::string lines = expected.empty() ? "" : expected + '\n';
-        EXPECT_EQ(but_missing, said_of("parameter.txt", lines)) << text;
+        diagnose_parameters(parse_parameters(text), told.diagnostics);
+        std::string said = told.take();
+        EXPECT_EQ(said.substr(0, said.find("parameter.txt: ")), said_of("parameter.txt", expected));
     }
     Told told;
-    diagnose_parameters(parse_parameters("Head 1\nBest_m 1\n"), told.diagnostics());
-    EXPECT_EQ(told.take(), said_of("parameter.txt",
-                                   "Inputfile is not given; there is no data set\n"
-                                   "Sample_size is not given; 547 are screened, 400 modelled\n"
-                                   "Number_of_markers is not given; 541325 is used\n"
-                                   "Max_retain is not given; 1 is used\n"
-                                   "Number_of_permutation is not given; 100 are screened, none "
-                                   "modelled\n"));
+    diagnose_parameters(parse_parameters("9 1\nMax 1\nHead 1\nBest 1"), told.diagnostics);
+    const std::string said = told.take();
+    for (const char* expected :
+         {":4: Best: ignored: for each name that starts with no letter the last entry is left "
+          "out\n",
+          ": Inputfile is not given; there is no data set\n",
+          ": Sample_size is not given; 547 are screened, 400 modelled\n",
+          ": Number_of_markers is not given; 541325 is used\n",
+          ": Number_of_permutation is not given; 100 are screened, none modelled\n",
+          ": Best_m is not given; 20 is used\n"}) {
+        EXPECT_NE(said.find(expected), said.npos) << expected << said;
+    }
 }
 
 TEST(ReadParameterFile, WritesAMissingFileAndLeavesAnUnreadableOneAlone) {
     const TemporaryFolder folder;
     Told told;
     Transcript said(true);
-    const ParameterFile missing = read_parameter_file(told.diagnostics());
+    const ParameterFile missing = read_parameter_file(told.diagnostics);
     EXPECT_FALSE(missing.found || missing.letter_count > 0);
     print_warnings(missing, said);
     EXPECT_EQ(said.text(), "Don't find parameter file use default value\n");
@@ -203,16 +168,16 @@ Number_of_permutation		200
 How_many_imputation_to_deal_with_missing			10
 Best_m						100
 )");
-    EXPECT_EQ(read_parameter_file(told.diagnostics()).letter_count, 11);
+    EXPECT_EQ(read_parameter_file(told.diagnostics).letter_count, 11);
     EXPECT_EQ(told.take(), "");
     std::filesystem::remove("parameter.txt");
     std::filesystem::create_symlink("/proc/self/mem", "parameter.txt");
-    EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics()); }), "1 ");
+    EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics); }), "1 ");
     EXPECT_EQ(told.take(),
               "parameter.txt: could not be read (Input/output error); it is left as it is\n");
     std::filesystem::remove("parameter.txt");
     std::filesystem::create_directory("parameter.txt");
-    EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics()); }),
+    EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics); }),
               "0 Don't find parameter file use default value\nDon't open parameter file\n");
     EXPECT_EQ(told.take(), "parameter.txt: could not be opened for writing\n");
 }

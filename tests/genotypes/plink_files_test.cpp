@@ -32,21 +32,16 @@ std::string codes_of(const Genotypes& genotypes) {
     return codes;
 }
 
-std::string fault_of(const std::string& bed, const std::string& bim, const std::string& fam) {
-    try {
-        load(bed, bim, fam);
-        return "none";
-    } catch (const InputError& error) {
-        return error.text;
-    }
+template <typename Act>
+std::string fault_of(Act act) try {
+    act();
+    return "none";
+} catch (const InputError& error) {
+    return error.text;
 }
 
-class BedFiles : public ::testing::Test {
-  private:
-    TemporaryFolder folder_;
-};
-
-TEST_F(BedFiles, AGoodStudyIsReadBack) {
+TEST(LoadBed, AGoodStudyIsReadBack) {
+    const TemporaryFolder folder;
     std::string all = kGoodFam;
     all.replace(all.find("-9"), 2, "1");
     BedStudy study = load(kGoodBed, kGoodBim, all);
@@ -68,7 +63,8 @@ TEST_F(BedFiles, AGoodStudyIsReadBack) {
     }
 }
 
-TEST_F(BedFiles, WhatIsWrongIsToldWithItsPlace) {
+TEST(LoadBed, WhatIsWrongIsToldWithItsPlace) {
+    const TemporaryFolder folder;
     const std::string fam = kGoodFam, bim = kGoodBim, bed = kGoodBed;
     const std::string six = "; FID IID PAT MAT SEX PHENOTYPE expected";
     const std::string no_bed =
@@ -100,17 +96,15 @@ TEST_F(BedFiles, WhatIsWrongIsToldWithItsPlace) {
         {bed.substr(0, 8), bim, fam, "s.bed: 8" + bytes},
         {bed + 'x', bim, fam, "s.bed: 10" + bytes},
     };
-    for (const auto& row : rows) EXPECT_EQ(fault_of(row.bed, row.bim, row.fam), row.fault);
-    for (const char* name : {"s.fam", "s.bim", "s.bed"}) {
-        const std::string verb = name == std::string("s.bed") ? "read" : "opened";
+    for (const auto& row : rows) {
+        EXPECT_EQ(fault_of([&] { load(row.bed, row.bim, row.fam); }), row.fault);
+    }
+    for (const char* name :
+         {"s.fam: cannot be opened", "s.bim: cannot be opened", "s.bed: cannot be read"}) {
         load(bed, bim, fam);
-        std::filesystem::remove(name);
-        try {
-            load_bed("s.bed", "s.bim", "s.fam");
-            ADD_FAILURE() << name;
-        } catch (const InputError& error) {
-            EXPECT_EQ(error.text, name + (": cannot be " + verb + " (No such file or directory)"));
-        }
+        std::filesystem::remove(std::string(name, 5));
+        EXPECT_EQ(fault_of([] { load_bed("s.bed", "s.bim", "s.fam"); }),
+                  name + std::string(" (No such file or directory)"));
     }
 }
 

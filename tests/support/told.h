@@ -9,22 +9,17 @@
 
 namespace vort::testing {
 
-class Told {
-  public:
-    Diagnostics& diagnostics() { return diagnostics_; }
+struct Told {
+    std::ostringstream text;
+    Diagnostics diagnostics{text};
 
-    // All lines since the last call, counts of held-back lines included; lines of a kind count from
-    // the beginning again.
+    // All lines since the last call, counts of held-back lines included.
     std::string take() {
-        diagnostics_.finish();
-        std::string text = text_.str();
-        text_.str("");
-        return text;
+        diagnostics.finish();
+        std::string taken = text.str();
+        text.str("");
+        return taken;
     }
-
-  private:
-    std::ostringstream text_;
-    Diagnostics diagnostics_{text_};
 };
 
 // Lines "3: text", or "text" where there is no line number, as they read for `file`.
@@ -39,13 +34,11 @@ inline std::string said_of(const std::string& file, const std::string& lines) {
 
 // "STATUS TEXT" of the stop that `act` ends in; "goes on" where it does not.
 template <typename Act>
-std::string stop_of(Act act) {
-    try {
-        act();
-        return "goes on";
-    } catch (const Stop& stop) {
-        return std::to_string(stop.status) + ' ' + stop.text;
-    }
+std::string stop_of(Act act) try {
+    act();
+    return "goes on";
+} catch (const Stop& stop) {
+    return std::to_string(stop.status) + ' ' + stop.text;
 }
 
 }  // namespace vort::testing
