@@ -63,6 +63,7 @@ TEST(TextDataSet, WhatItTakesAndWhatItSays) {
         std::string text;
         std::string expected;
         std::string said;  // without the file name
+        int head = 0, record = 0;
     } rows[] = {
         {"0 0 1 2\r\n1 -1 1 0\r\n\r\n", "0:012 1:-10", ""},
         {"\n\n 0   0 1 2 \n1 -9-x0", "0:012 1:--0", "4" + minus},
@@ -88,33 +89,18 @@ TEST(TextDataSet, WhatItTakesAndWhatItSays) {
         {"0 0 1 2\n1 0 0 0\n\n1 2 2 2\n", "0:012 1:000",
          "4: more than the 2 rows expected; ignored from here on\n"},
         {"1 0 1 2\n1 0 0 0\n", "1:012 1:000", only + "cases\n"},
+        {"id status m1 m2 m3\na 0 1 2 0\nb 1 0 -1 0", "0:120 1:0-0", "", 1, 1},
+        {"status m1 m2 m3\r\n0 1 2 0\n1 0 -1 0", "0:120 1:0-0", "", 1, 2},
+        {"7 0 1 2 0\n8 1 0 -1 0", "0:120 1:0-0", "", 2, 1},
+        {"status\nm1\nm2\nm3\n0 1 2 0\n1 0 -1 0", "0:120 1:0-0",
+         "4: the header of 3 markers was expected to be one line; it ends here\n", 1, 0},
+        {"status m1 m2 m3 0 1 2 0\n1 0 -1 0", "0:120 1:0-0",
+         "1: the header has more titles than 3 markers; the rest is read as data\n", 1, 0},
     };
     for (const auto& row : rows) {
-        const Loaded loaded = load_text(row.text, {kFile, 2, 3});
+        const Loaded loaded = load_text(row.text, {kFile, 2, 3, row.head, row.record});
         EXPECT_EQ(loaded.codes, row.expected) << row.text;
         EXPECT_EQ(loaded.said, said_of(kFile, row.said)) << row.text;
-    }
-}
-
-TEST(TextDataSet, HeaderAndIdentifiers) {
-    const TemporaryFolder folder;
-    const struct {
-        int head, record;
-        const char* text;
-        const char* said;
-    } rows[] = {
-        {1, 1, "id status m1 m2\na 0 1 2\nb 1 0 -1", ""},
-        {2, 0, "0 1 2\n1 0 -1", ""},
-        {1, 2, "status m1 m2\r\n0 1 2\n1 0 -1", ""},
-        {1, 0, "status\nm1\nm2\n0 1 2\n1 0 -1",
-         "dat1.txt:3: the header of 2 markers was expected to be one line; it ends here\n"},
-        {1, 0, "status m1 m2 0 1 2\n1 0 -1",
-         "dat1.txt:1: the header has more titles than 2 markers; the rest is read as data\n"},
-    };
-    for (const auto& row : rows) {
-        const Loaded loaded = load_text(row.text, {kFile, 2, 2, row.head, row.record});
-        EXPECT_EQ(loaded.codes, "0:12 1:0-") << row.text;
-        EXPECT_EQ(loaded.said, row.said) << row.text;
     }
 }
 
