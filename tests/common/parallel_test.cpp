@@ -60,15 +60,11 @@ TEST(ForEachInOrder, DeliversInOrderUpToTheLowestFailure) {
 TEST(Transcript, HoldsWhatItIsGivenWhereItIsWanted) {
     for (const bool wanted : {true, false}) {
         Transcript part(wanted), whole(wanted);
-        std::string expected;
-        for (int i = 0; i < 1000; ++i) {
-            part << "x=" << general(0.25) << ' ' << fixed(-2.0, 1, 5) << -7L << std::string("\n");
-            expected += "x=0.25  -2.0-7\n";
-        }
+        part << "x=" << general(0.25) << ' ' << fixed(-2.0, 1, 5) << -7L << std::string(999, '.');
         whole.add(part);
         part.clear();
         whole.add(part << "end");
-        EXPECT_EQ(whole.text(), wanted ? expected + "end" : "");
+        EXPECT_EQ(whole.text(), wanted ? "x=0.25  -2.0-7" + std::string(999, '.') + "end" : "");
     }
 }
 

@@ -92,14 +92,12 @@ TEST(Settings, EachStageTakesItsOwn) {
 }
 
 TEST(Settings, MoreBestMarkersThanMarkersStopTheRun) {
-    const std::pair<const char*, const char*> rows[] = {
-        {"Best_m 5\nNumber_of_markers 4", "0 find error for Best_m=5 and nmarker=4"},
-        {"Number_of_markers -1", "0 find error for Best_m=0 and nmarker=-1"},
-        {"Best_m 4.9\nNumber_of_markers 4", "goes on"}};
-    for (const auto& [text, expected] : rows) {
-        const Settings settings = settings_of(parse_parameters(text));
-        EXPECT_EQ(stop_of([&] { check_best_markers(settings.screening); }), expected) << text;
-    }
+    ScreeningSettings settings;
+    settings.markers = settings.best_markers_given = 4;
+    EXPECT_EQ(stop_of([&] { check_best_markers(settings); }), "goes on");
+    settings.best_markers_given = 5;
+    EXPECT_EQ(stop_of([&] { check_best_markers(settings); }),
+              "0 find error for Best_m=5 and nmarker=4");
 }
 
 TEST(ParameterDiagnostics, NothingIsIgnoredOrGuessedInSilence) {

@@ -70,11 +70,8 @@ void compare_readers(const std::string& text, const std::string& kinds) {
 TEST(TextInput, ReadsAsAStreamDoes) {
     const vort::testing::TemporaryFolder folder;
     for (const char* text :
-         {"",       " ",     "\n",         "7 ",         "-7\n",        "+7",     "+-7",
-          "-",      "- 7",   "12abc",      "abc",        "32767 32768", "-32768", "99999",
-          "007",    "0x10",  "2147483647", "2147483648", "-2147483648", ".5",     "5.",
-          ".",      "-.5e1", "1e+5x",      "1e",         "1e+",         "1e5e5",  "1.2.3",
-          "-1e400", "inf",   "1e-400",     "4e-320",     "nan",         "1,5",    "\v7\f8\r\n9"}) {
+         {"", "+7", "+-7", "- 7", "0x10", "32768", "-32768", "2147483648", "-2147483648", "5.", ".",
+          "1e+", "-1e400", "1e-400", "4e-320", "nan"}) {
         for (const char kind : kKinds) compare_readers(text, std::string(1, kind) + "wl");
     }
     const std::string alphabet = "0123456789019 \t\n\r +-.eEaX";

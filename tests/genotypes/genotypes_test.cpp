@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "common/input_error.h"
 #include "genotypes/genotype_row.h"
 #include "genotypes/mapped_file.h"
 #include "genotypes/plane_kernel.h"
@@ -76,19 +75,6 @@ TEST(Genotypes, EveryWayOfReadingGivesTheSame) {
         columns.emplace_back(static_cast<std::size_t>(individuals), -1);
         for (int j = 0; j < 6; ++j) expect_column(owned, j, columns[j]);
         for (int j = 0; j < 5; ++j) expect_column(mapped, j, columns[j]);
-    }
-}
-
-TEST(MappedFile, TellsWhetherItsPathLeadsElsewhereByNow) {
-    const TemporaryFolder folder;
-    write_file("bed", "abc");
-    const MappedFile file("bed");
-    EXPECT_FALSE(file.changed());
-    write_file("other", "abc");
-    std::filesystem::rename("other", "bed");
-    EXPECT_TRUE(file.changed());
-    for (const char* path : {"absent", ".", "/dev/null"}) {
-        EXPECT_THROW(MappedFile{path}, InputError) << path;
     }
 }
 
