@@ -7,6 +7,7 @@
 
 #include "common/directory_lock.h"
 #include "common/input_error.h"
+#include "common/output_file.h"
 #include "common/stop.h"
 #include "genotypes/plink_files.h"
 #include "vort/analysis.h"
@@ -65,32 +66,39 @@ class PlainProgress : public Observer {
     }
 };
 
-void prepare_folder(const RunOptions& options) {
-    namespace fs = std::filesystem;
+void make_folder(const RunOptions& options) {
     std::error_code failure;
-    fs::create_directories(options.out, failure);
-    if (!fs::is_directory(options.out)) {
+    std::filesystem::create_directories(options.out, failure);
+    if (!std::filesystem::is_directory(options.out)) {
         throw InputError{options.out +
                          ": cannot be made; a directory for the results was expected"};
     }
-    for (const char* name : {"P_value.txt", "Final_result.txt"}) {
-        const fs::path path = fs::path(options.out) / name;
-        if (!fs::exists(path, failure)) continue;
-        if (!options.force) {
-            throw InputError{
-                path.string() +
-                ": is there already; name another directory, or replace it by --force"};
-        }
-        fs::remove(path, failure);
+}
+
+constexpr const char* kResults[] = {"P_value.txt", "Final_result.txt"};
+
+void require_no_results(const RunOptions& options) {
+    for (const char* name : kResults) {
+        const std::filesystem::path path = std::filesystem::path(options.out) / name;
+        std::error_code failure;
+        if (options.force || !std::filesystem::exists(path, failure)) continue;
+        throw InputError{path.string() +
+                         ": is there already; name another directory, or replace it by --force"};
     }
 }
 
+// So that none of another study is left where the run ends early.
+void remove_results(const RunOptions& options) {
+    for (const char* name : kResults) remove_file(options.out + '/' + name);
+}
+
 void analyse_study(RunOptions options, Diagnostics& diagnostics) {
-    prepare_folder(options);
+    make_folder(options);
     const DirectoryLock lock(options.out);
     if (!lock.held()) {
         throw InputError{options.out + ": another run is at work there; name another directory"};
     }
+    require_no_results(options);
     BedStudy bed =
         load_bed(options.prefix + ".bed", options.prefix + ".bim", options.prefix + ".fam");
     const int individuals = bed.genotypes.individuals();
@@ -112,6 +120,7 @@ void analyse_study(RunOptions options, Diagnostics& diagnostics) {
     }
     if (!options.prepared.empty()) analysis.prepared = options.prepared + '/';
     check_sizes(settings, analysis, true, diagnostics);
+    remove_results(options);
     StudyData study{std::move(bed.genotypes), std::move(bed.phenotypes),
                     MarkerTable::from_markers(bed.markers)};
     PlainProgress progress;

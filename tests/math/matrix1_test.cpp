@@ -1,12 +1,9 @@
 #include "math/matrix1.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <random>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -33,115 +30,56 @@ Rows rows_of(const Matrix& m) {
 
 TEST(Matrix1, CopiesShareUntilOneIsWritten) {
     Matrix a = matrix_of({{1, 2}, {3, 4}});
-    const double* storage = &a(0, 0);
     Matrix b = a;
-    Matrix c(1, 1);
-    c = b;
-    EXPECT_EQ(std::as_const(b)(1, 1), 4.0);
-    c(1, 1) = 9.0;
     b *= 2.0;
     EXPECT_EQ(rows_of(a), (Rows{{1, 2}, {3, 4}}));
     EXPECT_EQ(rows_of(b), (Rows{{2, 4}, {6, 8}}));
-    EXPECT_EQ(rows_of(c), (Rows{{1, 2}, {3, 9}}));
-    EXPECT_EQ(&a(0, 0), storage) << "the last handle of a storage needs no copy";
-    a.clone();
-    EXPECT_NE(&a(0, 0), storage) << "clone() copies always";
     b = std::move(a);
     EXPECT_EQ(rows_of(a), rows_of(b)) << "a moved-from handle is a copy";
 }
 
-TEST(Matrix1, Arithmetic) {
+TEST(Matrix1, ArithmeticKeepsItsOrder) {
     const Matrix a = matrix_of({{1, 2, 3}, {4, 5, 6}});
     const Matrix b = matrix_of({{1, 0}, {0, 2}, {-1, 1}});
-    Matrix sum = a, square = matrix_of({{1, 1}, {0, 1}});
-    sum += a;
-    square *= square;
-    square += square;
-    square *= square(0, 0);
-    const std::vector<std::pair<Rows, Rows>> cases = {
-        {rows_of(sum), {{2, 4, 6}, {8, 10, 12}}},
-        {rows_of(sum - a), rows_of(a)},
-        {rows_of(a * b), {{-2, 7}, {-2, 16}}},
-        {rows_of(b * a), {{1, 2, 3}, {8, 10, 12}, {3, 3, 3}}},
-        {rows_of(0.5 * a), {{0.5, 1, 1.5}, {2, 2.5, 3}}},
-        {rows_of(-a), {{-1, -2, -3}, {-4, -5, -6}}},
-        {rows_of(~a), {{1, 4}, {2, 5}, {3, 6}}},
-        {rows_of(square), {{4, 8}, {0, 4}}},
-        {rows_of(Matrix(2, 0) * Matrix(0, 3)), {{0, 0, 0}, {0, 0, 0}}},
-        // 1e16 + 1 rounds to 1e16: any other order of the additions gives 1 or 2.
-        {rows_of(matrix_of({{1e16, 1.0, -1e16, 1.0}}) * matrix_of({{1}, {1}, {1}, {1}})), {{1.0}}},
-        {rows_of(matrix_of({{1.0, 1e16, -1e16}}) * matrix_of({{1}, {1}, {1}})), {{0.0}}}};
-    for (std::size_t c = 0; c < cases.size(); ++c) EXPECT_EQ(cases[c].first, cases[c].second) << c;
+    Matrix pivoted = matrix_of({{1, 5}, {-4, 2}, {4, 2}});
+    EXPECT_EQ(rows_of(2.0 * a - a), rows_of(a));
+    EXPECT_EQ(rows_of(a * b), (Rows{{-2, 7}, {-2, 16}}));
+    EXPECT_EQ(rows_of(~a), (Rows{{1, 4}, {2, 5}, {3, 6}}));
+    EXPECT_EQ(rows_of(Matrix(2, 0) * Matrix(0, 1)), (Rows{{0}, {0}}));
+    // 1e16 + 1 rounds to 1e16: any other order of the additions gives 1 or 2.
+    const Matrix ones = matrix_of({{1}, {1}, {1}, {1}});
+    EXPECT_EQ(rows_of(matrix_of({{1e16, 1.0, -1e16, 1.0}}) * ones), (Rows{{1.0}}));
     EXPECT_TRUE(std::signbit((-matrix_of({{0.0}}))(0, 0)));
-}
-
-TEST(Matrix1, UnitShrinksAndPivotTakesTheFirstOfTheLargest) {
-    Matrix m = matrix_of({{1, 5}, {-4, 2}, {4, 2}});
-    const Matrix before = m;
-    EXPECT_EQ(m.pivot(0), 1);
-    EXPECT_EQ(m.pivot(0), 0) << "a tie stays";
-    EXPECT_EQ(rows_of(m), (Rows{{-4, 2}, {1, 5}, {4, 2}}));
-    EXPECT_EQ(matrix_of({{9, 9}, {1, 0}, {1, 2}}).pivot(1), 2) << "rows above do not count";
-    EXPECT_EQ(matrix_of({{0, 1}, {-0.0, 2}}).pivot(0), -1);
-    EXPECT_EQ(m.pivot(2), -1) << "no such column";
-    m = before;
-    EXPECT_EQ(rows_of(m.Unit()), (Rows{{1, 0}, {0, 1}}));
-    EXPECT_EQ(rows_of((~before).Unit()), (Rows{{1, 0}, {0, 1}}));
-    EXPECT_EQ(rows_of(before), (Rows{{1, 5}, {-4, 2}, {4, 2}})) << "the copy";
+    EXPECT_EQ(rows_of((~pivoted).Unit()), (Rows{{1, 0}, {0, 1}}));
+    EXPECT_TRUE(pivoted.pivot(0) == 1 && pivoted.pivot(0) == 0) << "a tie stays";
+    EXPECT_EQ(rows_of(pivoted), (Rows{{-4, 2}, {1, 5}, {4, 2}}));
 }
 
 // The singular ones by hand: rows exchanged, the upper divided by 2 and subtracted; then column 1
 // has no pivot.
-TEST(Matrix1, InverseOfSmallAndSingularMatrices) {
+TEST(Matrix1, InversesAndErrors) {
     const std::pair<Rows, Rows> cases[] = {
         {{}, {}},
-        {{{4}}, {{0.25}}},
         {{{0, 2, 0}, {0, 0, 4}, {8, 0, 0}}, {{0, 0, 0.125}, {0.5, 0, 0}, {0, 0.25, 0}}},
         {{{0}}, {{1}}},
         {{{0, 1}, {0, 2}}, {{1, 0}, {0, 1}}}};
     for (const auto& [matrix, inverse] : cases) EXPECT_EQ(rows_of(!matrix_of(matrix)), inverse);
     Matrix work = matrix_of({{1, 2}, {2, 4}});
     EXPECT_EQ(rows_of(work.Inv()), (Rows{{0, 0.5}, {1, -0.5}}));
-    EXPECT_TRUE(work.IsSingular());
-    EXPECT_EQ(rows_of(work), (Rows{{1, 2}, {0, 0}}));
+    EXPECT_TRUE(work.IsSingular() && rows_of(work) == (Rows{{1, 2}, {0, 0}}));
     work = matrix_of({{3, 5}, {0, 0}});
     work.Inv();
     EXPECT_EQ(work(0, 1), 5.0 / 3) << "divided, which 5 * (1.0 / 3) is not";
-    work(1, 1) = 1;
-    work.Inv();
-    EXPECT_FALSE(work.IsSingular());
-}
-
-TEST(Matrix1, InverseTimesTheMatrixIsUnit) {
-    for (std::size_t n : {1u, 2u, 3u, 7u, 30u}) {
-        std::mt19937 random(static_cast<unsigned>(n));
-        Matrix tall(n + 5, n);
-        for (std::size_t i = 0; i < n * (n + 5); ++i) {
-            tall(i / n, i % n) = static_cast<double>(random()) / 4294967296.0 - 0.5;
-        }
-        const Matrix square = ~tall * tall;
-        const Rows operand = rows_of(square);
-        const Matrix product = !square * square;
-        EXPECT_EQ(rows_of(square), operand) << "the operand is left alone";
-        for (std::size_t i = 0; i < n * n; ++i) {
-            EXPECT_NEAR(product(i / n, i % n), i / n == i % n ? 1.0 : 0.0, 1e-8) << n << ": " << i;
-        }
+    EXPECT_THROW(Matrix(2, 3)(2, 0), math::matrix1_error);
+    EXPECT_THROW(Matrix(2, 3) * Matrix(2, 3), math::matrix1_error);
+    std::mt19937 random(30);
+    Matrix tall(35, 30);
+    for (std::size_t i = 0; i < 35 * 30; ++i) {
+        tall(i / 30, i % 30) = static_cast<double>(random()) / 4294967296.0 - 0.5;
     }
-}
-
-TEST(Matrix1, ErrorsSayWhatWasWrong) {
-    const Matrix constant(1, 1);
-    const std::string sizes = " : Inconsistent matrix1 sizes in ";
-    const std::pair<std::function<void()>, std::string> cases[] = {
-        {[] { Matrix(2, 3)(2, 0); }, "(): Index out of range!"},
-        {[&] { constant(0, 1); }, "(): Index out of range!"},
-        {[] { Matrix(2, 3) += Matrix(3, 2); }, "+=" + sizes + "addition!"},
-        {[] { Matrix(2, 3) -= Matrix(2, 2); }, "-=" + sizes + "subtraction!"},
-        {[] { Matrix(2, 3) * Matrix(2, 3); }, "*=" + sizes + "multiplication!"},
-        {[] { !Matrix(2, 3); }, "!: Inversion of a non-square matrix1"}};
-    for (const auto& [act, text] : cases) {
-        EXPECT_THAT(act,
-                    ::testing::ThrowsMessage<math::matrix1_error>("matrix1T::operator" + text));
+    const Matrix square = ~tall * tall, product = !square * square;
+    for (std::size_t i = 0; i < 30 * 30; ++i) {
+        EXPECT_NEAR(product(i / 30, i % 30), i / 30 == i % 30 ? 1.0 : 0.0, 1e-8) << i;
     }
 }
 

@@ -1,70 +1,45 @@
 #include "numeric/distributions.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
-#include <iostream>
-#include <limits>
-#include <string>
-#include <utility>
+#include <random>
+#include <vector>
 
-#include "support/console_capture.h"
+#include "numeric/chi_square_lanes.h"
+#include "support/instruction_sets.h"
 
 namespace vort {
 namespace {
 
 constexpr double kAccuracy = 3e-7;
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-
-struct Incomplete {
-    Incomplete(void (*form)(double*, double, double, double*), double a, double x) {
-        form(&value, a, x, &gln);
-    }
-    double value = 0.0, gln = 0.0;
-};
 
 // Percentage points of the chi-square distribution as printed in tables (six decimals; E. S.
 // Pearson and H. O. Hartley, Biometrika Tables for Statisticians I, table 8, carried further).
-TEST(Pchisq, MeetsTabulatedPointsAndClosedForms) {
-    struct Case {
+TEST(LowerTailChiSquare, MeetsTabulatedPointsAndClosedForms) {
+    const struct {
         int df;
         double x, lower_tail;
-    };
-    for (const Case& c :
-         {Case{1, 3.841459, 0.95}, Case{1, 10.827566, 0.999}, Case{2, 5.991465, 0.95},
-          Case{8, 15.507313, 0.95}, Case{8, 2.732637, 0.05}, Case{100, 124.342113, 0.95}}) {
-        EXPECT_NEAR(pchisq(c.df, c.x), c.lower_tail, kAccuracy) << "df=" << c.df << " x=" << c.x;
+    } points[] = {{1, 3.841459, 0.95},  {1, 10.827566, 0.999}, {2, 5.991465, 0.95},
+                  {8, 15.507313, 0.95}, {8, 2.732637, 0.05},   {100, 124.342113, 0.95}};
+    for (const auto& [df, x, lower_tail] : points) {
+        EXPECT_NEAR(lower_tail_chi_square(df, x).value, lower_tail, kAccuracy) << df << ' ' << x;
     }
-    for (double x = 0.01; x < 80.0; x *= 1.37) {
-        const double half = x / 2.0;
-        EXPECT_NEAR(pchisq(1, x), std::erf(std::sqrt(half)), kAccuracy) << x;
-        EXPECT_NEAR(pchisq(2, x), -std::expm1(-half), kAccuracy) << x;
-    }
-    for (double z = -6.0; z <= 6.0; z += 0.37) {
-        EXPECT_NEAR(pnormal(z), 0.5 * std::erfc(-z / std::sqrt(2.0)), kAccuracy) << z;
-    }
-    EXPECT_EQ(pchisq(1, 0.0), 0.0);
-    EXPECT_EQ(pchisq(1, 200.0), 1.0);
-}
-
-// p-values far out are what a genome-wide scan looks for; there 1 - P is all cancellation, but Q
-// itself must keep its relative accuracy.
-TEST(Gcf, KeepsTheRelativeAccuracyOfSmallTails) {
-    for (const double x : {10.0, 50.0, 200.0, 600.0}) {
-        const Incomplete q(gcf, 0.5, x);
-        EXPECT_NEAR(q.value / std::erfc(std::sqrt(x)), 1.0, kAccuracy) << x;
-        EXPECT_NEAR(q.gln, std::log(std::sqrt(std::acos(-1.0))), 1e-11);
+    for (double x = 0.0; x < 80.0; x = 1.37 * x + 0.01) {
+        const Tail one = lower_tail_chi_square(1, x), two = lower_tail_chi_square(2, x);
+        EXPECT_NEAR(one.value, std::erf(std::sqrt(x / 2.0)), kAccuracy) << x;
+        EXPECT_NEAR(two.value, -std::expm1(-x / 2.0), kAccuracy) << x;
+        EXPECT_TRUE(one.warning == nullptr && two.warning == nullptr);
     }
 }
 
-TEST(Gammp, UsesTheContinuedFractionFromItsBoundaryOn) {
-    const double a = 0.5, x = 1.5, below = std::nextafter(x, 0.0);
-    const double fraction = 1.0 - Incomplete(gcf, a, x).value;
-    ASSERT_NE(Incomplete(gser, a, x).value, fraction) << "the forms must differ to tell";
-    EXPECT_EQ(gammp(a, x), fraction);
-    EXPECT_EQ(gammp(a, below), Incomplete(gser, a, below).value);
+TEST(LowerTailGamma, WarnsAndGoesOnWhereItDoesNotConverge) {
+    const Tail partial = lower_tail_gamma(1e5, 1e5);  // the whole series gives 0.5004
+    EXPECT_TRUE(0.1 < partial.value && partial.value < 0.5) << partial.value;
+    EXPECT_STREQ(partial.warning, "a too large, ITMAX too small in routing gser\n");
+    const Tail none = lower_tail_chi_square(1, std::nan(""));
+    EXPECT_TRUE(std::isnan(none.value) && std::isfinite(lower_tail_gamma(1e6, 1e6 + 2.0).value));
+    EXPECT_STREQ(none.warning, "a too large, ITMAX too small in gcf\n");
 }
 
 // The series summed with 50 digits for the coefficients as they stand here; the usual fourth
@@ -77,29 +52,30 @@ TEST(Gammln, KeepsItsOwnFourthCoefficient) {
     }
 }
 
-TEST(Gammp, WarnsAndGoesOnWhereItDoesNotConverge) {
-    const std::string series = "a too large, ITMAX too small in routing gser\n";
-    const std::string fraction = "a too large, ITMAX too small in gcf\n";
-    const vort::testing::ConsoleCapture console;
-    const double partial = gammp(1e5, 1e5);  // the whole series gives 0.5004
-    EXPECT_TRUE(0.1 < partial && partial < 0.5) << partial;
-    EXPECT_EQ(console.text(), series);
-    EXPECT_TRUE(std::isfinite(gammp(1e6, 1e6 + 2.0)));
-    EXPECT_TRUE(std::isnan(pchisq(1, kNan)));
-    EXPECT_TRUE(std::isnan(Incomplete(gser, 0.5, kNan).value));
-    EXPECT_EQ(console.text(), series + fraction + fraction + series);
-}
-
-TEST(DistributionsEnd, InvalidArgumentsAreFatal) {
-    const std::string domain = " error for the input parameter in gammp function\n";
-    const std::pair<std::function<void()>, std::string> cases[] = {
-        {[] { gammp(0.0, 1.0); }, domain},
-        {[] { gammp(1.0, -1e-9); }, domain},
-        {[] { pchisq(0, 1.0); }, domain},
-        {[] { Incomplete(gser, 1.0, -1.0); }, "error input parameter in routing gser\n"}};
-    for (const auto& [act, text] : cases) {
-        EXPECT_EXIT((std::cout.rdbuf(std::cerr.rdbuf()), act()), ::testing::ExitedWithCode(1),
-                    ::testing::HasSubstr(text));
+// Many at once against one at a time, bit for bit: around the point where the series hands over to
+// the continued fraction, and anywhere.
+TEST(ChiSquareQueue, GivesTheUpperTailsOfThePlainForm) {
+    std::mt19937 random(20);
+    std::uniform_real_distribution<double> exponent(-12, 8);
+    for (const Instructions instructions : vort::testing::instruction_sets()) {
+        ChiSquareQueue queue(instructions, 100);
+        for (std::size_t size = 4; size < 44; ++size) {
+            std::vector<double> asked = {2.9999999999999996, 4, 3.0000000000000004, 3, 0};
+            while (asked.size() < size) asked.push_back(std::exp2(exponent(random)));
+            const auto df = [](std::size_t k) { return k < 4 ? 1 : 1 + static_cast<int>(k % 2); };
+            for (std::size_t k = 0; k < asked.size(); ++k) {
+                queue.add(df(k), asked[k], static_cast<int>(k));
+                queue.add_if(false, df(k), asked[k], -1);
+            }
+            std::vector<int> received(asked.size());
+            const auto receive = [&](std::size_t k, double pvalue) {
+                ++received.at(k);
+                EXPECT_EQ(pvalue, 1 - lower_tail_chi_square(df(k), asked[k]).value) << asked[k];
+            };
+            queue.take_eights(receive);
+            queue.take(receive);
+            EXPECT_EQ(received, std::vector<int>(asked.size(), 1));
+        }
     }
 }
 

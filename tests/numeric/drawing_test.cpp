@@ -10,9 +10,12 @@
 #include "numeric/generator.h"
 #include "numeric/label_runs.h"
 #include "numeric/random_order.h"
+#include "support/instruction_sets.h"
 
 namespace vort {
 namespace {
+
+using vort::testing::instruction_sets;
 
 // Three residues and their quotients, as published but for the second modulus.
 struct PlainGenerator {
@@ -47,14 +50,6 @@ std::vector<int> plain_order(PlainGenerator& generator, int n) {
         piece->erase(piece->begin() + static_cast<std::ptrdiff_t>(k));
     }
     return order;
-}
-
-std::vector<Instructions> instruction_sets() {
-    std::vector<Instructions> sets;
-    for (const auto set : {Instructions::kPortable, Instructions::kWide, Instructions::kWidest}) {
-        if (set <= best_instructions()) sets.push_back(set);
-    }
-    return sets;
 }
 
 constexpr int kMost = std::numeric_limits<int>::max();
