@@ -140,6 +140,7 @@ void print_build(const BuilderData& data, const BuilderInput& input, const Imput
         out.add(scored[s].text);
     }
     if (scored.size() == kept.markers.size()) out.add(kept.pair_text);
+    if (static_cast<int>(scored.size()) < kept.count()) return;
     if (scored.empty()) out << "CSM get len=0\n";
     out << "first step finish at calculating 1-item\n";
 }

@@ -53,7 +53,8 @@ struct ScoredSet {
 ScoredSet score_set(const BuilderData& data, const BuilderSettings& settings, const KeptSets& kept,
                     int s, const Generator& start, bool announce, bool wanted);
 
-// What the console shows of a data set whose sets are all scored, in the order of the phases.
+// What the console shows of a data set, in the order of the phases; where the run stops at a set,
+// `scored` holds those before it.
 void print_build(const BuilderData& data, const BuilderInput& input, const Imputation& imputation,
                  const KeptSets& kept, const std::vector<ScoredSet>& scored, bool permuted,
                  Transcript& out);

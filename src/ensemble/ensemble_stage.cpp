@@ -173,6 +173,7 @@ void EnsembleStage::analyse_permutations() {
         out << "permutation = " << d - 1 << " \n";
         out.add(modelled.transcript);
         keep_last(modelled);
+        if (modelled.stopped) return say(out);
         result_.permuted.push_back(modelled.statistic);
         if (modelled.statistic < result_.observed) ++stronger;
         out << "Cp0=" << general(result_.observed) << " Cp_per=" << general(modelled.statistic)

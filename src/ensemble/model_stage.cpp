@@ -69,6 +69,7 @@ void ModelStage::run_window(int first, int count, const Take& take) {
     score(window);
     for_each_index(threads_, window.size(), [&](std::size_t w) { finish(window[w]); });
     for (Work& work : window) {
+        work.result.stopped = work.stopped.has_value();
         take(work.row, work.result);
         if (work.stopped) throw *work.stopped;
     }
