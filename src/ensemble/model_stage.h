@@ -29,6 +29,7 @@ struct ModelledDataSet {
     std::optional<Design> design;        // once it is built
     std::optional<Selection> selection;  // where the design has columns
     PairSearchStatistics pair_search;
+    bool stopped = false;  // the run ends with it
     Transcript transcript{false};
     bool stopped = false;  // half-way; the Stop follows
 };

@@ -1,7 +1,10 @@
 // The main report, every row of it worked by hand.
 #include "ensemble/final_report.h"
 
-#include "support/builder_study.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/random_study.h"
 
 namespace vort::testing {
 namespace {
@@ -10,65 +13,62 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-output_information learner(int id, std::vector<int> markers, std::vector<int> cells, double beta,
-                           double importance, std::vector<int> cluster) {
-    output_information one;
+BaseLearner learner(int id, std::vector<int> markers, std::vector<int> cells, double beta,
+                    double importance, std::vector<int> cluster) {
+    BaseLearner one;
     one.id = id;
-    one.nmarker = static_cast<int>(markers.size());
-    std::copy(markers.begin(), markers.end(), one.marker.begin() + 1);
-    one.ncell = static_cast<int>(cells.size());
-    std::copy(cells.begin(), cells.end(), one.cell.begin());
+    one.markers = static_cast<int>(markers.size());
+    std::copy(markers.begin(), markers.end(), one.marker.begin());
+    one.cells = std::move(cells);
     one.beta = beta;
     one.importance = importance;
     std::copy(cluster.begin(), cluster.end(), one.cluster.begin());
     return one;
 }
 
-class FinalReport : public BuilderTest {
-  protected:
-    FinalReport() {
-        write_file("parameter.txt", "\n \nA 1\n");
-        study_.add_data_set({1, 1, 1, 1, 0, 0, 0, 0}, {1, 0, 3});
-    }
-
-    std::vector<int> report(std::vector<output_information> learners, int ranked,
-                            std::vector<int> markers, std::vector<int> importance) {
-        std::array<int, 10> first{1, 0, 2, 7, 7, 7, 7, 7, 7, 7};
-        std::array<int, 10> last{-1, 2, 2, 7, 7, 7, 7, 7, 7, 7};
-        const ConsoleCapture console;
-        const std::unique_ptr<int[]> list(Final_result(
-            1, 0, 0, study_.x(), study_.y(), study_.rankings(), 0, 0, study_.individuals(), ranked,
-            static_cast<int>(learners.size()), learners.data(), importance.data(),
-            static_cast<int>(markers.size()), markers.data(), first.data(), last.data()));
-        console_ = console.text();
-        std::vector<int> result;
-        for (int i = 0; result.empty() || result.back() > 0; ++i) result.push_back(list[i]);
-        return result;
-    }
-
-    // Four cases, four controls. By rank: marker 1 has 3 and 1 cases among four each of genotypes
-    // 0 and 1; marker 2 as many cases as controls in genotypes 0 and 1; marker 3 does not vary.
-    Study study_{{"0012", "0012", "-012", "1112", "0012", "0112", "-112", "1112"},
-                 {0, 0, 0, 0, 0, 0, 0, 0}};
-    std::string console_;
+struct Reported {
+    std::string text;
+    std::string console;
 };
+
+// Four cases, four controls. By rank: marker 1 has 3 and 1 cases among four each of genotypes
+// 0 and 1; marker 2 as many cases as controls in genotypes 0 and 1; marker 3 does not vary.
+Reported report(std::vector<BaseLearner> learners, int ranked, std::vector<int> markers,
+                std::vector<int> importance) {
+    const Columns columns = {{0, 0, -1, 1, 0, 0, -1, 1},
+                             {0, 0, 0, 1, 0, 1, 1, 1},
+                             {1, 1, 1, 1, 1, 1, 1, 1},
+                             {2, 2, 2, 2, 2, 2, 2, 2}};
+    const std::vector<short> phenotypes = {1, 1, 1, 1, 0, 0, 0, 0};
+    const Genotypes genotypes = packed(8, columns);
+    Settings settings;
+    settings.file.text = "\n \nA 1\n";
+    settings.report.individuals = settings.builder.individuals = 8;
+    settings.report.markers = settings.builder.markers = ranked;
+    Result result;
+    result.learners = std::move(learners);
+    result.markers = std::move(markers);
+    result.importance = std::move(importance);
+    result.columns = {1, 0, 3};
+    Transcript console(true);
+    std::string text = report_text({settings, genotypes, phenotypes}, result, console);
+    return {std::move(text), std::string(console.text())};
+}
 
 // z is 0.25 / sqrt(4 * 2/64 / 4) = sqrt 2 for marker 1; for the pair's 0/0, 2 of 3, it is
 // (1/6) / sqrt(5 * 2/64 / 3) = sqrt(8/15), for its 1/0, none of one, -0.5 / sqrt(14/64). Tails:
 // erfc(z / sqrt 2).
-TEST_F(FinalReport, EverySection) {
+TEST(FinalReport, EverySection) {
     const std::vector<int> nine = {0, 1, 0, 1, 0, 0, 0, 0, 3};
-    std::vector<output_information> learners = {
+    std::vector<BaseLearner> learners = {
         learner(1, {1}, {0}, 0.5, 3, {0, 1, 2}),     learner(2, {1}, {1, 2}, -0.25, 1, {0, 1, 2}),
         learner(3, {2}, {}, 1, 2, {0, 0, 0}),        learner(4, {1, 2}, {}, 0.125, 2, nine),
         learner(5, {1, 2}, {3, 8}, 0.0625, 1, nine), learner(6, {1}, {0, 1, 2}, -10, 1, {}),
         learner(7, {2}, {1}, 1000.5, 0, {1, 2, 1})};
     learners[0].average = 0.75;
-    const std::vector<int> list = report(learners, 3, {2, 1}, {2, 1});
-    EXPECT_EQ(list, (std::vector<int>{2, 1, -1}));
-    const std::string report_text = read_file("Final_result.txt");
-    EXPECT_THAT(report_text, StartsWith("A 1\n\nThe first ten marker of first individual 1 0 2 \n"
-                                        "The first ten marker of last  individual -1 2 2 \n\n"));
+    const auto [text, console] = report(learners, 3, {2, 1}, {2, 1});
+    EXPECT_THAT(text, StartsWith("A 1\n\nThe first ten marker of first individual 0 0 1 \n"
+                                 "The first ten marker of last  individual 1 1 1 \n\n"));
     const std::string blanks(42, ' ');
     const std::string tabs = "\t\t\t\t\t\t\t ";
     const std::string parts[] = {
@@ -92,26 +92,19 @@ TEST_F(FinalReport, EverySection) {
         "0.999992\t 0.999992\t 0.999992\t \n"
         "Clustering results: 2 groups \t S1={0/0,0/2,1/1,1/2,2/0,2/1}\tS2={0/1,1/0}\tS3={2/2}\t\n",
         "\nMarker   : 2\t 1\t \nImportant: 66.6\t 33.3\t \n"};
-    for (const std::string& part : parts) EXPECT_THAT(report_text, HasSubstr(part));
-    EXPECT_THAT(console_, HasSubstr("sigma1=2 y_bar=0.5\nSingle Marker \n"));
+    for (const std::string& part : parts) EXPECT_THAT(text, HasSubstr(part));
+    EXPECT_THAT(console, HasSubstr("sigma1=2 y_bar=0.5\nSingle Marker \n"));
 }
 
-TEST_F(FinalReport, BordersOfTheReport) {
+TEST(FinalReport, Borders) {
     // In a cell that holds everybody the statistic is 0/0.
     const auto one = learner(1, {3}, {2}, 1, 1, {});
-    EXPECT_EQ(report({one}, 3, {3}, {0}), (std::vector<int>{3, -1}));
-    EXPECT_THAT(read_file("Final_result.txt"),
+    EXPECT_THAT(report({one}, 3, {3}, {0}).text,
                 AllOf(HasSubstr("of controls\t 0/0\t\t0/0\t\t4/4\t\t\n"),
                       HasSubstr("\nStatistic value\t\t\t 0\t\t 0\t\t -2.14748e+06\t\t \n"),
                       HasSubstr("\nP-value\t\t\t\t 0.999992\t 0.999992\t -nan\t \n"),
                       HasSubstr("\nImportant: -2.14748e+08\t \n")));  // 0 of 0 is no number
-    // Columns of two digits; a list of all ranks; no ranks.
-    std::vector<output_information> learners;
-    for (int id = 1; id <= 11; ++id) learners.push_back(learner(id, {1}, {0}, 0, 1, {}));
-    EXPECT_EQ(report(learners, 3, {3, 1, 2}, {3, 2, 1}), (std::vector<int>{3, 1, 2, -1}));
-    EXPECT_THAT(read_file("Final_result.txt"), HasSubstr("X9       X10       X11      \n"));
-    EXPECT_EQ(report({one}, 0, {1}, {1}), (std::vector<int>{-1}));
-    EXPECT_THAT(read_file("Final_result.txt"),
+    EXPECT_THAT(report({one}, 0, {1}, {1}).text,
                 HasSubstr("of first individual \nThe first ten marker of last  individual \n"));
 }
 

@@ -1,197 +1,232 @@
-// What a screening prints and ranks, and the reports of findings, from counts worked out by hand.
+// Screenings of many data sets against marker by marker, one data set at a time, to the last byte.
 #include "screening/screening.h"
 
-#include <algorithm>
-#include <sstream>
+#include <gtest/gtest.h>
 
-#include "numeric/distributions.h"
+#include <cmath>
+
 #include "numeric/index_sort.h"
 #include "screening/fdr_report.h"
-#include "screening/five_model_test.h"
-#include "support/screening_fixture.h"
+#include "screening/marker_pvalues.h"
+#include "support/instruction_sets.h"
+#include "support/random_study.h"
+#include "support/told.h"
 
 namespace vort::testing {
 namespace {
 
-using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using ::testing::Not;
-using ::testing::StartsWith;
-
-struct MarkerCounts {
-    GenotypeCounts cases, controls;
-};
-
-// A file of 20 cases and 20 controls that has these counts.
-std::string twenty_and_twenty(const std::vector<MarkerCounts>& markers) {
-    static const char* const kCodes[4] = {" 0", " 1", " 2", " -1"};
-    std::string text;
-    for (int i = 0; i < 40; ++i) {
-        text += i < 20 ? '1' : '0';
-        for (const MarkerCounts& marker : markers) {
-            int left = i % 20;
-            int g = 0;
-            const int* count = i < 20 ? marker.cases.count : marker.controls.count;
-            while (left >= count[g]) left -= count[g++];
-            text += kCodes[g];
+Findings plain_findings(const MarkerPvalues& all) {
+    Findings out;
+    out.dropped = all.dropped;
+    out.dropped_significant = all.dropped_significant;
+    for (int k = 1; k < static_cast<int>(all.minimum.size()); ++k) {
+        for (int model = 0; model < kModels; ++model) {
+            const double p = all.model[model][k];
+            if (p <= 0.002) out.significant[model].push_back({k, p});
         }
-        text += '\n';
+        if (all.minimum[k] <= 0.0005) out.minimum_significant.push_back({k, all.minimum[k]});
     }
-    return text;
+    return out;
 }
 
-// One missing genotype in twenty may be; two are too many.
-const std::vector<MarkerCounts> kMarkers = {
-    {{{20, 0, 0, 0}}, {{20, 0, 0, 0}}},  // does not vary
-    {{{4, 16, 0, 0}}, {{14, 6, 0, 0}}},  // carriers 0.8, 0.3
-    {{{3, 17, 0, 0}}, {{14, 6, 0, 0}}},  // carriers 0.85, 0.3
-    {{{0, 0, 18, 2}}, {{20, 0, 0, 0}}},  // dropped
-    {{{10, 9, 0, 1}}, {{12, 7, 0, 1}}},  // nothing to see
-    {{{4, 0, 16, 0}}, {{14, 0, 6, 0}}},  // alleles 0.8, 0.3
-};
-
-std::string p_of(double statistic) {
-    std::ostringstream text;
-    text << 1 - pchisq(1, statistic);
-    return text.str();
-}
-
-// P-values of these tables, their statistics worked out by hand.
-const std::string kCarriers2 = p_of(20 * 0.25 * (1 / 1.1 + 1 / 0.9));
-const std::string kClasses2 = p_of(0.0001 + 20 * 0.25 * (1 / 1.1 + 1 / 0.9));
-const std::string kClasses3 = p_of(0.0001 + 20 * 0.3025 * (1 / 1.15 + 1 / 0.85));
-const std::string kAlleles2 = p_of(0.0625 * (72 + 1 / 0.03625));
-const std::string kAlleles3 = p_of(0.075625 * (69 + 1 / 0.035625));
-const std::string kAlleles6 = p_of(0.25 * (36 + 1 / 0.0225));
-
-class Screening : public ScreeningTest {
-  protected:
-    static void load_markers(const std::vector<MarkerCounts>& markers) {
-        set_sizes(40, static_cast<int>(markers.size()));
-        load_quietly(twenty_and_twenty(markers));
-    }
-
-    // Returns the console text.
-    std::string screen() {
-        ranking_.assign(Marker, -7);
-        const ConsoleCapture console;
-        EXPECT_EQ(single_marker_test_five_model_drop_missing_diseasemarker1(ranking_.data()), 0);
-        return console.text();
-    }
-
-    std::vector<int> ranking_;
-};
-
-// Only the group that misses too many decides, and it may be either.
-TEST_F(Screening, MissingLimitsAreThoseOfEachGroup) {
-    const struct {
-        int a, b;  // missing in cases, in controls
-        double ratio;
-        int dropped;
-    } rows[] = {
-        {1, 1, 0.05, 0},  {2, 0, 0.05, 1}, {0, 2, 0.05, 1},
-        {1, 0, 0.049, 1}, {0, 0, 0.0, 0},  {20, 20, 1.0, 0},
+void print_plain_lists(Transcript& out, const Findings& all) {
+    const char* const names[] = {"additive ", "dominant ", "recessive", "genotype ", "minimum  "};
+    const auto list = [&](int model, const std::vector<Finding>& findings) {
+        for (const Finding& f : findings) {
+            out << "model=" << names[model] << " i=" << f.marker << " pvalue=" << general(f.pvalue)
+                << '\n';
+        }
     };
-    for (const auto& [a, b, ratio, dropped] : rows) {
-        not_over_missing_marker_drop_ratio = ratio;
-        load_markers({{{{0, 0, 20 - a, a}}, {{20 - b, 0, 0, b}}}});
-        EXPECT_THAT(screen(), HasSubstr("_diseasemaker=" + std::to_string(dropped) + "\n"));
+    for (int model = 0; model < kModels; ++model) list(model, all.significant[model]);
+    list(kModels, all.minimum_significant);
+    for (int model = 0; model < kModels; ++model) {
+        out << "model=" << names[model]
+            << " # of marker's pvalue<0.002=" << all.significant[model].size() << '\n';
+    }
+    out << "model=minimum   # of marker's pvalue<0.002/4=" << all.minimum_significant.size()
+        << '\n';
+    for (int model = 0; model < kModels; ++model) {
+        out << "model=" << names[model]
+            << " # of marker's missing num than 20=" << all.dropped_significant[model]
+            << " total_count_drop_diseasemaker=" << all.dropped << '\n';
+    }
+}
+
+// What one data set's screening is to leave.
+struct PlainScreening {
+    PlainScreening(const Genotypes& genotypes, std::span<const short> phenotypes)
+        : all(test_all_markers(genotypes, phenotypes)) {
+        std::vector<int> order(all.minimum.size());
+        Quickindex(all.minimum.data(), order.data(), genotypes.markers());
+        ranking.assign(order.begin() + 1, order.end());
+        Transcript out(true);
+        print_plain_lists(out, plain_findings(all));
+        for (std::size_t k = 0; k < ranking.size(); ++k) {
+            out << k + 1 << " index=" << ranking[k]
+                << " pvalue=" << general(all.minimum[ranking[k]]) << " ref=" << ranking[k] - 1
+                << '\n';
+        }
+        text = out.text();
+        for (int& column : ranking) --column;
+    }
+
+    MarkerPvalues all;
+    std::vector<int> ranking;
+    std::string text;
+};
+
+std::vector<PlainScreening> screen_plainly(const Genotypes& genotypes, const PhenotypeRows& rows) {
+    std::vector<PlainScreening> plain;
+    for (int d = 0; d < rows.count(); ++d) plain.emplace_back(genotypes, rows.row(d));
+    return plain;
+}
+
+void expect_plain(const Genotypes& genotypes, const PhenotypeRows& rows,
+                  const std::vector<PlainScreening>& plain, const ScreeningOptions& options) {
+    SCOPED_TRACE("threads " + std::to_string(options.threads) + ", batches of " +
+                 std::to_string(options.batch_bytes) + " bytes, transcript " +
+                 std::to_string(options.transcript) + ", kept " + std::to_string(options.kept));
+    Told told;
+    int next = 0;
+    screen_data_sets(
+        genotypes, rows, MarkerTable(), options, told.diagnostics,
+        [&](int d, ScreenedDataSet&& screened) {
+            ASSERT_EQ(d, next++);
+            const PlainScreening& wanted = plain[d];
+            const std::size_t kept = std::min(wanted.ranking.size(), std::size_t(options.kept));
+            EXPECT_EQ(screened.best,
+                      std::vector<int>(wanted.ranking.begin(),
+                                       wanted.ranking.begin() + std::ptrdiff_t(kept)));
+            EXPECT_EQ(
+                screened.smallest_pvalue,
+                wanted.ranking.empty() ? 1.0 : wanted.all.minimum[wanted.ranking.front() + 1]);
+            // The first line tells the seconds.
+            const std::string text(screened.transcript->text());
+            EXPECT_EQ(text.substr(text.find('\n') + 1), options.transcript ? wanted.text : "");
+        });
+    EXPECT_EQ(next, rows.count());
+}
+
+TEST(Screening, AgreesWithThePlainFormOnRandomStudies) {
+    for (unsigned seed = 1; seed <= 60 && !::testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 random(seed);
+        const int n = 1 + static_cast<int>(random() % (seed % 3 == 0 ? 300 : 70));
+        const int m = seed == 7 ? 0 : seed % 20 == 1 ? 2100 : 1 + static_cast<int>(random() % 150);
+        const double missing[] = {0, 0.01, 0.045, 0.3};
+        RandomStudy study(
+            seed, {n, m, missing[seed % 4], seed % 10 == 4 ? 1.0 : 0.45, seed % 5 == 0 ? 3 : 2});
+        PhenotypeRows rows(study.phenotypes);
+        Generator generator;
+        rows.permute(static_cast<int>(seed % 6), generator, 1);
+        const auto plain = screen_plainly(study.genotypes, rows);
+        const std::size_t row = static_cast<std::size_t>(m) * sizeof(double);
+        for (const auto& [threads, bytes, transcript] : {std::tuple{1, row, true},
+                                                         {2, 2 * row, true},
+                                                         {5, 100 * row, true},
+                                                         {1, 100 * row, false},
+                                                         {5, row, false}}) {
+            ScreeningOptions options;
+            options.threads = threads;
+            options.batch_bytes = bytes;
+            options.transcript = transcript;
+            options.kept = static_cast<int>(random() % (2 * static_cast<unsigned>(m) + 2));
+            expect_plain(study.genotypes, rows, plain, options);
+        }
+    }
+}
+
+// 4 R S is beyond 2^31 from 46,341 individuals on; counts are added up over several stretches of
+// words from 12,289 on.
+TEST(Screening, ManyIndividuals) {
+    for (const int n : {33000, 50000}) {
+        SCOPED_TRACE(n);
+        const RandomStudy study(static_cast<unsigned>(n), {n, 11, 0.02});
+        PhenotypeRows rows(study.phenotypes);
+        Generator generator;
+        rows.permute(2, generator, 2);
+        ScreeningOptions options;
+        options.threads = 2;
+        options.kept = 4;
+        expect_plain(study.genotypes, rows, screen_plainly(study.genotypes, rows), options);
+    }
+}
+
+bool same(const std::vector<Finding>& a, const std::vector<Finding>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
+        return x.marker == y.marker && x.pvalue == y.pvalue;
+    });
+}
+
+TEST(StretchScreening, EverySetOfInstructionsAgreesWithThePlainForm) {
+    for (const int n : {1, 9, 64, 300, 13000}) {
+        const RandomStudy study(static_cast<unsigned>(n), {n, n > 1000 ? 20 : 200, 0.02});
+        PhenotypeRows rows(study.phenotypes);
+        Generator generator;
+        rows.permute(5, generator, 1);
+        const auto plain = screen_plainly(study.genotypes, rows);
+        const auto markers = static_cast<std::size_t>(study.genotypes.markers());
+        const int cases =
+            static_cast<int>(std::count(study.phenotypes.begin(), study.phenotypes.end(), 1));
+        const GroupSizes sizes{cases, n - cases};
+        for (const Instructions set : instruction_sets()) {
+            SCOPED_TRACE(std::to_string(n) + " individuals, instructions " +
+                         std::to_string(static_cast<int>(set)));
+            const ScreeningStudy shared{study.genotypes, sizes, missing_limits(sizes), set};
+            const CasePlanes planes(rows, 0, rows.count());
+            std::vector<double> minima(static_cast<std::size_t>(rows.count()) * markers);
+            std::vector<Findings> findings(static_cast<std::size_t>(rows.count()));
+            StretchScreening(shared, planes)
+                .screen(0, study.genotypes.markers(), {minima.data(), markers}, findings);
+            for (int d = 0; d < rows.count(); ++d) {
+                const Findings wanted = plain_findings(plain[d].all);
+                const double* const found = minima.data() + static_cast<std::size_t>(d) * markers;
+                EXPECT_TRUE(std::equal(found, found + markers, plain[d].all.minimum.begin() + 1));
+                EXPECT_EQ(findings[d].dropped, wanted.dropped);
+                EXPECT_EQ(findings[d].dropped_significant, wanted.dropped_significant);
+                for (int model = 0; model < kModels; ++model) {
+                    EXPECT_TRUE(same(findings[d].significant[model], wanted.significant[model]));
+                }
+                EXPECT_TRUE(same(findings[d].minimum_significant, wanted.minimum_significant));
+            }
+        }
+    }
+}
+
+// Only the group that misses too many decides, and it may be either: one in twenty may be missing.
+TEST(MarkerPvalues, MissingLimitsAreThoseOfEachGroup) {
+    for (const auto& [in_cases, in_controls, dropped] :
+         {std::tuple{1, 1, 0}, {2, 0, 1}, {0, 2, 1}, {2, 2, 1}}) {
+        std::vector<short> phenotypes(40);
+        std::vector<signed char> codes(40, 1);
+        std::fill_n(phenotypes.begin(), 20, short{1});
+        std::fill_n(codes.begin(), in_cases, static_cast<signed char>(-1));
+        std::fill_n(codes.rbegin(), in_controls, static_cast<signed char>(-1));
+        EXPECT_EQ(test_all_markers(packed(40, {codes}), phenotypes).dropped, dropped);
     }
 }
 
 TEST(FalseDiscoveryCount, IsTheLastRankUnderTheLine) {
-    const Restored restored(Marker);
     const struct {
-        std::vector<double> pvalue;  // at level 0.05
+        std::vector<double> pvalue;  // from element 1 on, at level 0.05
         double divisor;
         int expected;
     } rows[] = {
-        {{}, 1, 0},
-        {{0.05}, 1, 1},
-        {{0.0500001}, 1, 0},
-        {{0.0125}, 4, 1},
-        {{0.0126}, 4, 0},
-        {{0.9, 0.03, 0.9, 0.049}, 1, 0},
-        {{0.9, 0.024, 0.9, 0.025}, 1, 2},  // the first rank alone is above the line
-        {{0.05, 0.05, 0.05, 0.05}, 1, 4},
-        {{0.051, 0.0125, 0.9, 0.026}, 1, 1},
+        {{0}, 1, 0},
+        {{0, 0.05}, 1, 1},
+        {{0, 0.0500001}, 1, 0},
+        {{0, 0.0125}, 4, 1},
+        {{0, 0.0126}, 4, 0},
+        {{0, 0.9, 0.024, 0.9, 0.025}, 1, 2},  // the first rank alone is above the line
+        {{0, 0.051, 0.0125, 0.9, 0.026}, 1, 1},
     };
     for (const auto& row : rows) {
-        Marker = static_cast<int>(row.pvalue.size());
-        std::vector<double> from_one = {0.0};
-        from_one.insert(from_one.end(), row.pvalue.begin(), row.pvalue.end());
-        std::vector<int> order(from_one.size());
-        Quickindex(from_one.data(), order.data(), Marker);
-        EXPECT_EQ(false_discovery_count(from_one, order, 0.05, row.divisor), row.expected)
+        std::vector<double> pvalue = row.pvalue;
+        std::vector<int> order(pvalue.size());
+        Quickindex(pvalue.data(), order.data(), static_cast<int>(pvalue.size()) - 1);
+        EXPECT_EQ(false_discovery_count(pvalue, order, 0.05, row.divisor), row.expected)
             << ::testing::PrintToString(row.pvalue);
     }
-}
-
-class FdrReports : public Screening {
-  protected:
-    void SetUp() override {
-        write_FDR_result = 1;
-        write_file(kMarkerTable, "1 rs1 1 rs2 3 rs3 3 rs4 3 rs5 3 rs6");
-    }
-};
-
-std::string found(int marker, int locus, const std::string& p, const char* model) {
-    const std::string m = std::to_string(marker);
-    return "FDR find Marker=" + m + "\t name = rs" + m + "\t locus=" + std::to_string(locus) +
-           "\t pvalue=" + p + " corresponding  model=" + model + "\n";
-}
-
-// Lists per model number their loci from 0, the last list from 1.
-TEST_F(FdrReports, FindingsAreListed) {
-    load_markers(kMarkers);
-    const std::string text = screen();
-    const std::string report = read_file("FDR_results.txt");
-    EXPECT_THAT(text, EndsWith(" ref=3\n" + report));
-    EXPECT_THAT(report, StartsWith("model=additive  # of satisfy FDR marker, i. e.  len=3\n" +
-                                   found(6, 5, kAlleles6, "additive ") +
-                                   found(3, 2, kAlleles3, "additive ") +
-                                   found(2, 1, kAlleles2, "additive ") +
-                                   "model=dominant  # of satisfy FDR marker, i. e.  len=3\n"));
-    EXPECT_THAT(report, HasSubstr("model=recessive # of satisfy FDR marker, i. e.  len=1\n" +
-                                  found(6, 5, kCarriers2, "recessive") +
-                                  "model=genotype  # of satisfy FDR marker, i. e.  len=3\n"));
-    EXPECT_THAT(report,
-                EndsWith("model=minimum   # of satisfy FDR marker, i. e.  len=3\n" +
-                         found(6, 4, kAlleles6, "additive ") + found(3, 1, kClasses3, "genotype ") +
-                         found(2, 2, kClasses2, "genotype ")));
-    std::filesystem::remove("FDR_results.txt");
-    orginal_data = 0;  // permuted
-    EXPECT_THAT(screen(), EndsWith(" ref=3\n"));
-    orginal_data = 1;
-    write_FDR_result = 0;
-    EXPECT_THAT(screen(), EndsWith(" ref=3\n"));
-    EXPECT_FALSE(std::filesystem::exists("FDR_results.txt"));
-}
-
-TEST_F(FdrReports, WithoutFindingsTheFirstFiftyAreListed) {
-    for (const int markers : {3, 50, 60}) {
-        load_markers(std::vector<MarkerCounts>(markers, kMarkers[0]));
-        screen();
-        const std::string report = read_file("FDR_results.txt");
-        EXPECT_THAT(report, Not(HasSubstr("FDR find")));
-        EXPECT_EQ(std::count(report.begin(), report.end(), '\n'), 5 * (std::min(markers, 50) + 1));
-        EXPECT_THAT(report, StartsWith("model=additive  # of satisfy FDR marker, i. e.  len=0\n"
-                                       "FDR reject Marker="));
-        // Three models tie; the first gives the minimum.
-        EXPECT_THAT(report, EndsWith(" corresponding  model=additive \n"));
-    }
-    // Carriers 0.6, 0.25: p = 0.025 is found under one model, but not under the best of four.
-    load_markers({{{{8, 12, 0, 0}}, {{15, 5, 0, 0}}}});
-    screen();
-    const std::string report = read_file("FDR_results.txt");
-    EXPECT_THAT(report,
-                HasSubstr("model=genotype  # of satisfy FDR marker, i. e.  len=1\nFDR find "));
-    EXPECT_THAT(report,
-                HasSubstr("model=minimum   # of satisfy FDR marker, i. e.  len=0\nFDR reje"));
-    std::filesystem::remove("FDR_results.txt");
-    std::filesystem::create_directory("FDR_results.txt");
-    expect_end([this] { single_marker_test_five_model_drop_missing_diseasemarker1(&ranking_[0]); },
-               "\nfind error to open FDR_results.txt\n$");
 }
 
 }  // namespace

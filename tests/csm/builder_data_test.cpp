@@ -1,0 +1,93 @@
+// Intake of a data set: the two halves, the phenotype, missing genotypes.
+#include "csm/builder_data.h"
+
+#include <gtest/gtest.h>
+
+#include "csm/imputation.h"
+#include "support/builder_study.h"
+
+namespace vort::testing {
+namespace {
+
+TEST(BuilderData, CasesAreSpreadOverBothHalves) {
+    const struct {
+        std::vector<short> phenotype;
+        std::vector<int> order;
+    } cases[] = {
+        // Cases first: 4 1 2 | 3 0 5; then from the second place on against the second half.
+        {{0, 1, 1, 0, 1, 0}, {4, 3, 0, 1, 2, 5}},
+        {{0, 0, 0, 1}, {2, 1, 3, 0}},
+        {{1, 0, 0, 0, 0}, {2, 1, 0, 3, 4}},
+        {{1, 1, 1, 0, 0}, {0, 2, 3, 1, 4}},
+        {{0, 0, 0}, {0, 1, 2}},
+        {{1, 1, 1, 1, 1}, {0, 1, 2, 3, 4}},
+        {{0, 1}, {0, 1}},
+    };
+    for (const auto& c : cases) {
+        const int n = static_cast<int>(c.phenotype.size());
+        const BuilderData data = builder_data(Genotypes(n, 0), c.phenotype);
+        EXPECT_EQ(std::vector<int>(data.order().begin(), data.order().end()), c.order)
+            << ::testing::PrintToString(c.phenotype);
+        const int positive =
+            static_cast<int>(std::count(c.phenotype.begin(), c.phenotype.end(), 1));
+        EXPECT_EQ(data.cases(), positive);
+        EXPECT_EQ(data.is_case_control(), positive > 0 && positive < n);
+        for (int i = 0; i < n; ++i) {
+            EXPECT_EQ(data.phenotype()[i], c.phenotype[c.order[i]] - double(positive) / n);
+        }
+    }
+}
+
+TEST(BuilderData, PhenotypeIsCentred) {
+    const BuilderData data = builder_data(Genotypes(4, 0), {-2, 4, 0, 6});
+    EXPECT_EQ(data.mean(), 2);
+    EXPECT_EQ(data.sigma(), 10);  // (16 + 4 + 4 + 16) / 4
+    EXPECT_EQ(data.cases(), 2);
+    EXPECT_TRUE(data.quantitative());
+}
+
+// The first draws are (171/30269 + 516/30309 + 850/30323) mod 1 and so on: 0.0507, 0.6596, 0.9607.
+TEST(Imputation, DrawsFromTheMarkersOwnFrequencies) {
+    // A third each, so 0.0507 is a 0, 0.6596 just a 1, and 0.9607 a 2. Known nowhere: a draw is no
+    // share of nothing, so all are 2.
+    const BuilderData data = builder_data(
+        packed(6, {{0, -1, 2, -1, -1, 1}, {-1, -1, -1, -1, -1, -1}}), {0, 0, 0, 0, 0, 0});
+    const Imputation imputation(data, Generator());
+    EXPECT_EQ(imputation.codes(0), (std::vector<signed char>{0, 0, 2, 1, 2, 1}));
+    EXPECT_EQ(imputation.codes(1), std::vector<signed char>(6, 2));
+    EXPECT_EQ(imputation.draws(), 9);
+}
+
+TEST(Imputation, AgreesWithDrawingAllMarkersInOrder) {
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        const int n = 1 + static_cast<int>(seed * 7 % 90);
+        const RandomStudy study(seed, {n, 12, seed % 3 * 0.3});
+        const BuilderData data = builder_data(study.genotypes, study.phenotypes, 1 + seed % 3);
+        Generator plain;
+        plain.skip(seed);
+        const Imputation imputation(data, plain);
+        for (int j = 0; j < 12; ++j) {
+            std::vector<signed char> filled = study.columns[j];
+            const auto count = [&](int code) {
+                return static_cast<int>(
+                    std::count(study.columns[j].begin(), study.columns[j].end(), code));
+            };
+            const double of_0 = count(0) / double(n - count(-1));
+            const double of_1 = count(1) / double(n - count(-1));
+            for (signed char& code : filled) {
+                if (code >= 0) continue;
+                const double u = plain.next();
+                code = u <= of_0 ? 0 : u <= of_0 + of_1 ? 1 : 2;
+            }
+            const std::vector<signed char> found = imputation.codes(j);
+            for (int i = 0; i < n; ++i) {
+                ASSERT_EQ(found[i], filled[data.order()[i]]) << "marker " << j << ", place " << i;
+                ASSERT_EQ(data.planes().code(i, j), study.columns[j][data.order()[i]]);
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace vort::testing

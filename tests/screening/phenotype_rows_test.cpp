@@ -1,0 +1,104 @@
+// Rows of phenotypes against shuffling by single draws; prepared files that are damaged.
+#include "screening/phenotype_rows.h"
+
+#include <gtest/gtest.h>
+
+#include "screening/prepared_file.h"
+#include "support/random_study.h"
+#include "support/temporary_folder.h"
+#include "support/told.h"
+
+namespace vort::testing {
+namespace {
+
+// Each individual takes the phenotype of one that is left, drawn at random.
+std::vector<short> shuffled(std::vector<short> left, Generator& generator) {
+    std::vector<short> out;
+    while (!left.empty()) {
+        const auto k = static_cast<std::ptrdiff_t>(generator.next() * double(left.size()));
+        out.push_back(left[static_cast<std::size_t>(k)]);
+        left.erase(left.begin() + k);
+    }
+    return out;
+}
+
+TEST(PhenotypeRows, AreShuffledByPlainDraws) {
+    for (const int n : {1, 2, 63, 64, 65, 700}) {
+        for (const int values : {1, 2, 3}) {
+            const RandomStudy study(static_cast<unsigned>(n),
+                                    {n, 0, 0, values == 1 ? 1.0 : 0.4, std::max(values, 2)});
+            for (const int threads : {1, 2, 5}) {
+                SCOPED_TRACE(std::to_string(n) + " individuals, values " + std::to_string(values) +
+                             ", threads " + std::to_string(threads));
+                PhenotypeRows rows(study.phenotypes);
+                Generator generator, plain;
+                rows.permute(9, generator, threads);
+                std::vector<short> expected = study.phenotypes;
+                ASSERT_EQ(rows.count(), 10);
+                for (int r = 0; r <= 9; ++r) {
+                    if (r > 0) expected = shuffled(expected, plain);
+                    ASSERT_EQ(rows.row(r), expected);
+                    std::vector<std::uint64_t> plane(plane_words(n), ~std::uint64_t{0});
+                    rows.cases(r, plane.data());
+                    for (int i = 0; i < 64 * static_cast<int>(plane.size()); ++i) {
+                        ASSERT_EQ(plane[i / 64] >> i % 64 & 1, i < n && expected[i] == 1 ? 1U : 0U);
+                    }
+                }
+                EXPECT_EQ(generator, plain);
+            }
+        }
+    }
+}
+
+// Rows in bits make room for a row with a third value.
+TEST(PhenotypeRows, AThirdValueMayComeLate) {
+    const std::vector<short> first = {2, 1, 1, 2}, second = {1, 2, 1, 2}, third = {7, 1, 2, 1};
+    PhenotypeRows rows(first);
+    for (const auto& row : {second, third, second}) rows.add(row);
+    EXPECT_EQ(rows.row(0), first);
+    EXPECT_EQ(rows.row(1), second);
+    EXPECT_EQ(rows.row(2), third);
+    EXPECT_EQ(rows.row(3), second);
+    std::vector<short> two(2);
+    rows.row(2, two);
+    EXPECT_EQ(two, (std::vector<short>{7, 1}));
+}
+
+TEST(PreparedFile, WhatIsWrongWithAFile) {
+    const TemporaryFolder folder;
+    const std::string counts = "\t1\t2\t0\t0\t1\t2\t0\t0\t\n";
+    const std::string lines = "3" + counts + "1" + counts;
+    const auto no_column = [](const char* read) {
+        return ": a column below 4 was expected, not " + std::string(read) +
+               "; column 0 is taken\n";
+    };
+    const std::string unusable =
+        ": a column and eight counts were expected; column 0 is taken from here on\n";
+    const std::string few = " phenotypes, 6 expected; the others are taken as 0\n";
+    const struct {
+        std::string text;
+        std::vector<int> best;
+        std::string said;
+    } rows[] = {
+        {"1 0 1 0 1 0 \n" + lines, {3, 1}, ""},
+        {"1 0 1 0 1 0\n3" + counts + "1\t1\t2\t0\t0\t1\t2\t0\t0", {3, 1}, ""},
+        {"1 0 1\n" + lines, {3, 1}, "1: 3" + few},
+        {"1 0 1 0 1 0 \n4" + counts + "1" + counts, {0, 1}, "2" + no_column("4")},
+        {"1 0 1 0 1 0 \n3" + counts + "-1" + counts, {3, 0}, "3" + no_column("-1")},
+        {"1 0 1 0 1 0 \n3" + counts, {3, 0}, "3" + unusable},
+        // A line that is too short takes its counts from the next.
+        {"1 0 1 0 1 0 \n3\t1\t2\n1" + counts, {3, 0}, "3" + unusable},
+        {"", {0, 0}, "1: 0" + few + "1" + unusable},
+    };
+    Told told;
+    const auto read = [&] { return read_prepared_file("prepared", 6, 2, 4, told.diagnostics); };
+    EXPECT_EQ(stop_of(read), "0 find error when opening file prepared\n");
+    for (const auto& row : rows) {
+        write_file("prepared", row.text);
+        EXPECT_EQ(read().best, row.best) << row.text;
+        EXPECT_EQ(told.take(), said_of("prepared", row.said)) << row.text;
+    }
+}
+
+}  // namespace
+}  // namespace vort::testing

@@ -1,0 +1,167 @@
+// Whole analyses in memory: the golden cases on any number of threads, and early ends.
+#include "vort/analysis.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <regex>
+
+#include "support/golden_study.h"
+
+namespace vort::testing {
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::MatchesRegex;
+
+// Notes what it is told.
+class Notes : public Observer {
+  public:
+    void screened(int d, int data_sets, double smallest_pvalue, int best) override {
+        screened_.push_back(d);
+        data_sets_ = data_sets;
+        if (d == 0) first_best_ = best;
+        EXPECT_TRUE(smallest_pvalue >= 0 && smallest_pvalue <= 1);
+    }
+    void modelled(int k, int permutations, double statistic) override {
+        EXPECT_EQ(k, static_cast<int>(statistics_.size()));
+        EXPECT_EQ(permutations, data_sets_ - 1);
+        statistics_.push_back(statistic);
+    }
+
+    std::vector<int> screened_;
+    int data_sets_ = -1;
+    int first_best_ = -2;
+    std::vector<double> statistics_;
+};
+
+struct AnalysisRun {
+    AnalysisRun(GoldenStudy& golden, const AnalysisOptions& options) {
+        Told told;
+        const Console keep = [this](std::string_view text) { console += text; };
+        stopped = stop_of([&] {
+            result =
+                analyse(golden.study, golden.settings, options, keep, told.diagnostics, notes);
+        });
+        console = std::regex_replace(console, std::regex("(time of pvalue )[0-9]+"), "$1T");
+        diagnostics = told.take();
+    }
+
+    Result result;
+    std::string console;
+    std::string stopped;
+    std::string diagnostics;
+    Notes notes;
+};
+
+TEST(Analyse, GoldenCasesOnAnyNumberOfThreads) {
+    for (const std::string& name : kGoldenCases) {
+        Result first;
+        for (const int threads : {1, 2, 3, 16}) {
+            SCOPED_TRACE(name + ", threads " + std::to_string(threads));
+            const TemporaryFolder folder;
+            std::filesystem::create_directory("out");
+            GoldenStudy golden(name, threads);
+            AnalysisOptions options;
+            options.threads = threads;
+            options.folder = "out/";
+            const AnalysisRun run(golden, options);
+            ASSERT_EQ(run.stopped, "goes on");
+            EXPECT_THAT(golden.expected("stdout.txt"), EndsWith(run.console + "Total time=T\n"));
+            for (const char* file : {"P_value.txt", "Final_result.txt"}) {
+                EXPECT_EQ(read_file(std::string("out/") + file), golden.expected(file)) << file;
+            }
+            const int B = golden.settings.screening.permutations;
+            EXPECT_EQ(run.notes.data_sets_, B + 1);
+            for (int d = 0; d <= B; ++d) EXPECT_EQ(run.notes.screened_.at(d), d);
+            EXPECT_EQ(run.notes.first_best_, run.result.columns.at(0));
+            EXPECT_EQ(run.notes.statistics_,
+                      run.result.has_model ? run.result.permuted : std::vector<double>());
+            if (threads == 1) first = run.result;
+            EXPECT_EQ(run.result.observed, first.observed);
+            EXPECT_EQ(run.result.permuted, first.permuted);
+            EXPECT_EQ(run.result.markers, first.markers);
+            EXPECT_EQ(run.result.importance, first.importance);
+            EXPECT_EQ(run.result.columns, first.columns);
+            ASSERT_EQ(run.result.learners.size(), first.learners.size());
+            for (std::size_t b = 0; b < first.learners.size(); ++b) {
+                EXPECT_EQ(run.result.learners[b].beta, first.learners[b].beta);
+                EXPECT_EQ(run.result.learners[b].cells, first.learners[b].cells);
+            }
+        }
+    }
+}
+
+TEST(Analyse, ConsoleTextIsWrittenOnDemand) {
+    const TemporaryFolder folder;
+    GoldenStudy golden("missing");
+    AnalysisOptions options;
+    options.console = false;
+    EXPECT_EQ(AnalysisRun(golden, options).console, "");
+    EXPECT_EQ(read_file("Final_result.txt"), golden.expected("Final_result.txt"));
+}
+
+// The names are looked up last.
+TEST(Analyse, AMarkerTableThatCannotBeUsedStopsBehindTheReport) {
+    const TemporaryFolder folder;
+    GoldenStudy golden("small");
+    golden.study.markers = MarkerTable::from_file("absent.txt", 5);
+    const AnalysisRun run(golden, {});
+    EXPECT_THAT(run.stopped, MatchesRegex("0 open file absent.txt [a-z ]+error\n"));
+    EXPECT_EQ(read_file("P_value.txt"), golden.expected("P_value.txt"));
+    const std::string report = golden.expected("Final_result.txt");
+    EXPECT_EQ(read_file("Final_result.txt"), report.substr(0, report.find("\n\nMarker \t")));
+}
+
+TEST(Analyse, SettingsThatContradictEachOther) {
+    const TemporaryFolder folder;
+    GoldenStudy golden("small");
+    ++golden.settings.builder.permutations;
+    const AnalysisRun run(golden, {});
+    EXPECT_EQ(run.stopped,
+              "0 find error, the ensemble stage needs 4 permuted data sets (Number_of_permutation) "
+              "but only 3 were screened\n");
+    EXPECT_FALSE(std::filesystem::exists("P_value.txt"));
+    EXPECT_EQ(run.notes.statistics_.size(), 0U);
+}
+
+TEST(Analyse, FilesThatCannotBeWritten) {
+    const TemporaryFolder folder;
+    AnalysisOptions options;
+    options.folder = "absent/";
+    GoldenStudy golden("small");
+    const AnalysisRun run(golden, options);
+    EXPECT_EQ(run.stopped, "0 ");
+    EXPECT_THAT(run.diagnostics, ::testing::StartsWith("absent/P_value.txt: "));
+}
+
+TEST(CheckSizes, EndsTheRunWhereNothingCanBeAnalysed) {
+    const struct {
+        int individuals, markers, permutations;
+        const char* told;
+    } rows[] = {
+        {0, 6, 1, "Sample_size 0, Number_of_markers 6 and Number_of_permutation 1 cannot be .*"},
+        {-5, 6, 1, "Sample_size -5, .*cannot be analysed.*"},
+        {60, -1, 1, ".*Number_of_markers -1 .*cannot be analysed.*"},
+        {60, 6, -1, ".*Number_of_permutation -1 cannot be analysed.*"},
+        {2000000000, 2000000000, 1, ".*1 permutations \\(Number_of_permutation\\) would take .*"},
+        {60, 6, 1, ""},
+        {60, 0, 0, ""},
+    };
+    for (const auto& row : rows) {
+        Settings settings;
+        settings.screening.individuals = settings.builder.individuals = row.individuals;
+        settings.screening.markers = settings.builder.markers = row.markers;
+        settings.screening.permutations = row.permutations;
+        Told told;
+        const bool stops = *row.told != '\0';
+        EXPECT_EQ(stop_of([&] { check_sizes(settings, {}, false, told.diagnostics); }),
+                  stops ? "0 " : "goes on");
+        EXPECT_THAT(told.take(),
+                    MatchesRegex(stops ? "parameter.txt: " + std::string(row.told) + "\n?" : ""));
+    }
+}
+
+}  // namespace
+}  // namespace vort::testing
