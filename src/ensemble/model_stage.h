@@ -31,7 +31,6 @@ struct ModelledDataSet {
     PairSearchStatistics pair_search;
     bool stopped = false;  // the run ends with it
     Transcript transcript{false};
-    bool stopped = false;  // half-way; the Stop follows
 };
 
 class ModelStage {
