@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
@@ -209,7 +210,7 @@ bool TextInput::append_buffered(LongText& out) {
         found == nullptr ? begin + (end_ - next_) : static_cast<const char*>(found);
     const auto size = static_cast<std::size_t>(end - begin);
     make_room(out, size);
-    std::memcpy(out.memory.data() + out.used, begin, size);
+    std::copy_n(begin, size, out.memory.data() + out.used);
     out.used += size;
     next_ += size;
     if (found == nullptr) return false;
