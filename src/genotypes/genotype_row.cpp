@@ -35,7 +35,8 @@ int parse_eight(const char* text, signed char* codes) {
     std::memcpy(&digits, text, sizeof digits);
     digits -= kPattern;
     const auto wrong = digits > kLargest;
-    // The blanks have left zeros, so a pair is its digit, in whichever half.
+    // Blanks have left zeros, and wrong characters must, so a pair is its digit, in whichever half.
+    digits &= ~reinterpret_cast<Characters>(wrong);
     const auto pairs = reinterpret_cast<Pairs>(digits);
     const Codes eight = __builtin_convertvector(pairs | pairs >> 8, Codes);
     std::memcpy(codes, &eight, sizeof eight);
