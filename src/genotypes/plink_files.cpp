@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
-#include <sstream>
+#include <span>
 #include <string_view>
 
 #include "common/input_error.h"
+#include "common/large_array.h"
 #include "common/text_input.h"
 #include "genotypes/mapped_file.h"
 
@@ -26,7 +27,9 @@ class SixColumns {
     SixColumns(const std::string& path, std::string_view expected)
         : path_(path), expected_(expected), input_(path) {
         if (!input_.is_open()) {
-            input_error(path_, 0, std::string("cannot be opened (") + std::strerror(errno) + ')');
+            input_error(
+                path_, 0,
+                std::string("cannot be opened (") + std::strerror(input_.open_error()) + ')');
         }
     }
 
@@ -163,23 +166,58 @@ void check_bed(const MappedFile& file, std::size_t individuals, std::size_t mark
                     std::to_string(markers) + " markers (.bim)");
 }
 
+// Consecutive individuals with a phenotype.
+struct Run {
+    std::size_t from;
+    std::size_t size;
+};
+
+std::vector<Run> runs_of(std::span<const short> phenotypes) {
+    std::vector<Run> runs;
+    for (std::size_t i = 0; i < phenotypes.size(); ++i) {
+        if (phenotypes[i] < 0) continue;
+        if (i == 0 || phenotypes[i - 1] < 0) runs.push_back({i, 0});
+        ++runs.back().size;
+    }
+    return runs;
+}
+
+// Packs the genotypes of a run behind the `packed` ones of a column that began as zeros; as many
+// at a time as a word holds from any place in a byte on.
+void append(std::span<const unsigned char> column, Run run, std::span<unsigned char> out,
+            std::size_t packed) {
+    constexpr std::size_t kAtOnce = 28;
+    while (run.size > 0) {
+        const std::size_t size = std::min(run.size, kAtOnce);
+        const auto from = column.subspan(run.from / 4);
+        const auto to = out.subspan(packed / 4);
+        std::uint64_t word = 0;
+        std::memcpy(&word, from.data(), std::min(sizeof word, from.size()));
+        word = word >> 2 * (run.from % 4) & ((std::uint64_t{1} << 2 * size) - 1);
+        std::uint64_t before = 0;
+        std::memcpy(&before, to.data(), std::min(sizeof before, to.size()));
+        before |= word << 2 * (packed % 4);
+        std::memcpy(to.data(), &before, std::min(sizeof before, to.size()));
+        run = {run.from + size, run.size - size};
+        packed += size;
+    }
+}
+
 // Without the individuals that have no phenotype.
 Genotypes copy_of(const Genotypes& all, std::span<const short> phenotypes, int kept) {
-    constexpr std::array<unsigned char, 4> kBits = {1, 3, 2, 0};  // missing, 0, 1, 2
-    Genotypes copy(kept, all.markers());
-    std::vector<signed char> codes(phenotypes.size());
+    const std::size_t stride = packed_size(kept);
+    LargeArray<unsigned char> columns(stride * static_cast<std::size_t>(all.markers()));
+    const std::vector<Run> runs = runs_of(phenotypes);
     for (int j = 0; j < all.markers(); ++j) {
-        all.unpack(j, codes.data());
-        const std::span<unsigned char> column = copy.owned_column(j);
-        std::fill(column.begin(), column.end(), static_cast<unsigned char>(0));
-        std::size_t at = 0;
-        for (std::size_t i = 0; i < codes.size(); ++i) {
-            if (phenotypes[i] < 0) continue;
-            column[at / 4] |= static_cast<unsigned char>(kBits[codes[i] + 1] << 2 * (at % 4));
-            ++at;
+        const std::span<unsigned char> out(columns.data() + static_cast<std::size_t>(j) * stride,
+                                           stride);
+        std::size_t packed = 0;
+        for (const Run& run : runs) {
+            append(all.column(j), run, out, packed);
+            packed += run.size;
         }
     }
-    return copy;
+    return {kept, all.markers(), std::move(columns)};
 }
 
 }  // namespace
