@@ -138,7 +138,8 @@ std::vector<MarkerInfo> read_bim(const std::string& path) {
         }
         const std::string& position = lines[3];
         const auto end = position.data() + position.size();
-        if (std::from_chars(position.data(), end, marker.position).ptr != end) {
+        const auto read = std::from_chars(position.data(), end, marker.position);
+        if (read.ec != std::errc() || read.ptr != end) {
             lines.fail("position " + position, "a whole number");
         }
         markers.push_back(std::move(marker));
