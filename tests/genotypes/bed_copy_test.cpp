@@ -12,7 +12,8 @@ namespace vort::testing {
 namespace {
 
 void expect_copy(unsigned seed) {
-    std::mt19937 random(seed);
+    std::mt19937_64 generator(seed);
+    const auto random = [&] { return static_cast<unsigned>(generator()); };
     const unsigned individuals = 2 + random() % (seed % 10 == 0 ? 1000 : 150);
     const unsigned without = random() % 4;  // quarters
     std::string fam;
