@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "common/characters.h"
+
 namespace vort {
 
 namespace {
@@ -26,7 +27,7 @@ int unusable(int file) {
 }
 
 void make_room(LongText& out, std::size_t size) {
-    if (out.memory.size() < out.used + size) out.memory.resize(2 * (out.used + size));
+    if (out.memory.size() <= out.used + size) out.memory.resize(2 * (out.used + size) + 1);
 }
 
 // from_chars takes no leading plus sign; stream extraction does.

@@ -1,7 +1,6 @@
 #include "genotypes/marker_table.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 #include "common/stop.h"
@@ -50,14 +49,10 @@ void MarkerTable::check_entry(int chromosome, int before, std::string_view name,
 }
 
 void MarkerTable::read(int markers) {
-    errno = 0;
-    if (!TextInput(path_, "r+").is_open()) write_failure_ = errno != 0 ? errno : EISDIR;
-    errno = 0;
+    write_failure_ = TextInput(path_, "r+").open_error();
     TextInput input(path_);
-    if (!input.is_open()) {
-        read_failure_ = errno != 0 ? errno : EISDIR;
-        return;
-    }
+    read_failure_ = input.open_error();
+    if (read_failure_ != 0) return;
     if (markers > kMostNamed) {
         fault("names not kept", kMostNamed + 1,
               "at most " + std::to_string(kMostNamed) + " markers are named");

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
-#include <sstream>
+#include <span>
 #include <string_view>
 
+#include "common/characters.h"
 #include "common/input_error.h"
+#include "common/large_array.h"
 #include "common/text_input.h"
 #include "genotypes/mapped_file.h"
 
@@ -26,7 +27,9 @@ class SixColumns {
     SixColumns(const std::string& path, std::string_view expected)
         : path_(path), expected_(expected), input_(path) {
         if (!input_.is_open()) {
-            input_error(path_, 0, std::string("cannot be opened (") + std::strerror(errno) + ')');
+            input_error(
+                path_, 0,
+                std::string("cannot be opened (") + std::strerror(input_.open_error()) + ')');
         }
     }
 
@@ -47,7 +50,7 @@ class SixColumns {
         fail(std::to_string(words_) + " columns", std::string(expected_));
     }
 
-    const std::string& operator[](std::size_t c) const { return column_[c]; }
+    std::string_view operator[](std::size_t c) const { return column_[c]; }
     long line() const { return line_; }
 
     [[noreturn]] void fail(const std::string& found, const std::string& expected) const {
@@ -57,20 +60,22 @@ class SixColumns {
   private:
     void split(std::string_view text) {
         words_ = 0;
-        constexpr std::string_view kSpace = " \t\r";
-        for (std::size_t at = text.find_first_not_of(kSpace); at != std::string_view::npos;
-             at = text.find_first_not_of(kSpace, at)) {
-            const std::size_t end = std::min(text.find_first_of(kSpace, at), text.size());
-            if (words_ < column_.size()) column_[words_] = text.substr(at, end - at);
+        const char* at = text.data();
+        const char* const end = at + text.size();
+        for (;;) {
+            while (at < end && is_space(*at)) ++at;
+            if (at == end) return;
+            const char* const from = at;
+            while (at < end && !is_space(*at)) ++at;
+            if (words_ < column_.size()) column_[words_] = std::string_view(from, at);
             ++words_;
-            at = end;
         }
     }
 
     const std::string& path_;
     std::string_view expected_;
     TextInput input_;
-    std::array<std::string, 6> column_;
+    std::array<std::string_view, 6> column_;  // of the line read last
     std::size_t words_ = 0;
     long line_ = 0;
 };
@@ -86,7 +91,7 @@ Family read_fam(const std::string& path) {
     SixColumns lines(path, "FID IID PAT MAT SEX PHENOTYPE");
     int zeros = 0;
     while (lines.next()) {
-        const std::string& phenotype = lines[5];
+        const std::string_view phenotype = lines[5];
         if (phenotype == "2") {
             ++family.cases;
         } else if (phenotype == "1") {
@@ -94,7 +99,8 @@ Family read_fam(const std::string& path) {
         } else if (phenotype == "0") {
             ++zeros;
         } else if (phenotype != "-9" && phenotype != "NA") {
-            lines.fail("phenotype " + phenotype, "1 (control), 2 (case), or 0, -9 or NA (missing)");
+            lines.fail("phenotype " + std::string(phenotype),
+                       "1 (control), 2 (case), or 0, -9 or NA (missing)");
         }
         family.phenotypes.push_back(phenotype == "2" ? 1 : phenotype == "1" ? 0 : -1);
     }
@@ -111,13 +117,23 @@ Family read_fam(const std::string& path) {
     return family;
 }
 
+// In either case; `wanted` is in capitals.
+bool starts_like(std::string_view name, std::string_view wanted) {
+    const auto same = [](char capital, char c) {
+        return c == capital || (c >= 'a' && c <= 'z' && c - 'a' + 'A' == capital);
+    };
+    return name.size() >= wanted.size() &&
+           std::equal(wanted.begin(), wanted.end(), name.begin(), same);
+}
+
 // 0 where the name is none.
-int chromosome_of(std::string name) {
-    for (char& c : name) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    if (name.starts_with("CHR")) name.erase(0, 3);
+int chromosome_of(std::string_view name) {
+    if (starts_like(name, "CHR")) name.remove_prefix(3);
     constexpr std::array<std::string_view, 4> kNamed = {"X", "Y", "XY", "MT"};
     for (std::size_t k = 0; k < kNamed.size(); ++k) {
-        if (name == kNamed[k]) return 23 + static_cast<int>(k);
+        if (name.size() == kNamed[k].size() && starts_like(name, kNamed[k])) {
+            return 23 + static_cast<int>(k);
+        }
     }
     int number = 0;
     const auto end = name.data() + name.size();
@@ -129,15 +145,16 @@ std::vector<MarkerInfo> read_bim(const std::string& path) {
     std::vector<MarkerInfo> markers;
     SixColumns lines(path, "CHR ID CM BP A1 A2");
     while (lines.next()) {
-        MarkerInfo marker{chromosome_of(lines[0]), lines[1], 0, lines[4], lines[5]};
+        MarkerInfo marker{chromosome_of(lines[0]), std::string(lines[1]), 0, std::string(lines[4]),
+                          std::string(lines[5])};
         if (marker.chromosome == 0) {
-            lines.fail("chromosome " + lines[0], "1 to 26, X, Y, XY or MT");
+            lines.fail("chromosome " + std::string(lines[0]), "1 to 26, X, Y, XY or MT");
         }
-        const std::string& position = lines[3];
+        const std::string_view position = lines[3];
         const auto end = position.data() + position.size();
         const auto read = std::from_chars(position.data(), end, marker.position);
         if (read.ec != std::errc() || read.ptr != end) {
-            lines.fail("position " + position, "a whole number");
+            lines.fail("position " + std::string(position), "a whole number");
         }
         markers.push_back(std::move(marker));
     }
@@ -164,23 +181,58 @@ void check_bed(const MappedFile& file, std::size_t individuals, std::size_t mark
                     std::to_string(markers) + " markers (.bim)");
 }
 
+// Consecutive individuals with a phenotype.
+struct Run {
+    std::size_t from;
+    std::size_t size;
+};
+
+std::vector<Run> runs_of(std::span<const short> phenotypes) {
+    std::vector<Run> runs;
+    for (std::size_t i = 0; i < phenotypes.size(); ++i) {
+        if (phenotypes[i] < 0) continue;
+        if (i == 0 || phenotypes[i - 1] < 0) runs.push_back({i, 0});
+        ++runs.back().size;
+    }
+    return runs;
+}
+
+// Packs the genotypes of a run behind the `packed` ones of a column that began as zeros; as many
+// at a time as a word holds from any place in a byte on.
+void append(std::span<const unsigned char> column, Run run, std::span<unsigned char> out,
+            std::size_t packed) {
+    constexpr std::size_t kAtOnce = 28;
+    while (run.size > 0) {
+        const std::size_t size = std::min(run.size, kAtOnce);
+        const auto from = column.subspan(run.from / 4);
+        const auto to = out.subspan(packed / 4);
+        std::uint64_t word = 0;
+        std::memcpy(&word, from.data(), std::min(sizeof word, from.size()));
+        word = word >> 2 * (run.from % 4) & ((std::uint64_t{1} << 2 * size) - 1);
+        std::uint64_t before = 0;
+        std::memcpy(&before, to.data(), std::min(sizeof before, to.size()));
+        before |= word << 2 * (packed % 4);
+        std::memcpy(to.data(), &before, std::min(sizeof before, to.size()));
+        run = {run.from + size, run.size - size};
+        packed += size;
+    }
+}
+
 // Without the individuals that have no phenotype.
 Genotypes copy_of(const Genotypes& all, std::span<const short> phenotypes, int kept) {
-    constexpr std::array<unsigned char, 4> kBits = {1, 3, 2, 0};  // missing, 0, 1, 2
-    Genotypes copy(kept, all.markers());
-    std::vector<signed char> codes(phenotypes.size());
+    const std::size_t stride = packed_size(kept);
+    LargeArray<unsigned char> columns(stride * static_cast<std::size_t>(all.markers()));
+    const std::vector<Run> runs = runs_of(phenotypes);
     for (int j = 0; j < all.markers(); ++j) {
-        all.unpack(j, codes.data());
-        const std::span<unsigned char> column = copy.owned_column(j);
-        std::fill(column.begin(), column.end(), static_cast<unsigned char>(0));
-        std::size_t at = 0;
-        for (std::size_t i = 0; i < codes.size(); ++i) {
-            if (phenotypes[i] < 0) continue;
-            column[at / 4] |= static_cast<unsigned char>(kBits[codes[i] + 1] << 2 * (at % 4));
-            ++at;
+        const std::span<unsigned char> out(columns.data() + static_cast<std::size_t>(j) * stride,
+                                           stride);
+        std::size_t packed = 0;
+        for (const Run& run : runs) {
+            append(all.column(j), run, out, packed);
+            packed += run.size;
         }
     }
-    return copy;
+    return {kept, all.markers(), std::move(columns)};
 }
 
 }  // namespace
