@@ -1,7 +1,7 @@
 // Input files that cannot be used.
 //
-// Thrown by the readers of files that have no old rule about what to make of their faults; main()
-// writes the text to standard error.
+// Thrown by the readers of files that have no old rule about what to make of their faults; the
+// command line writes the text to standard error.
 #pragma once
 
 #include <string>

@@ -1,7 +1,7 @@
 // An early end of the run.
 //
-// Thrown by whatever cannot go on; only main() turns it into the end of the process, after what was
-// to be said before it has been said.
+// Thrown by whatever cannot go on; only the command line turns it into the end of the process,
+// after what was to be said before it has been said.
 #pragma once
 
 #include <string>

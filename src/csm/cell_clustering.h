@@ -1,11 +1,9 @@
-// Genotype cells of a pair into risk groups: k-means on a line.
+// Genotype cells of a pair into risk groups: k-means on a line (docs/method.md, section 5).
 //
-// A cell's place on the line is its mean of the centred phenotype. The centres of g groups start
-// evenly spread from the highest mean down; a cell goes to the nearest centre, the lowest number of
-// equals; a centre moves to the mean of the individuals, not of the cells, in its group, and to 0
-// where it has none (Lloyd 1982). With means 0.5, 0.4 and -0.3 and two groups the centres start at
-// 0.3 and -0.1 and end at the mean of the first two cells' individuals and at -0.3. Groups may end
-// empty. At most 99 passes over at most nine cells.
+// A cell's place on the line is its mean of the centred phenotype. With means 0.5, 0.4 and -0.3 and
+// two groups the centres start at 0.3 and -0.1 and end at the mean of the first two cells'
+// individuals and at -0.3. The centre of an empty group is 0. At most 99 passes over at most nine
+// cells.
 //
 // Number is a double, which is the plain form, or a vector of them: then each lane clusters the
 // same cells under an order of the phenotype of its own. What one order would choose by a branch,

@@ -1,8 +1,5 @@
-// Genotype cells of a single marker into risk groups.
-//
-// A single marker has three cells, and only a few sensible groupings. Four tests (carriers of two
-// copies, alleles, carriers of none, all three cells) are compared, and the cells are grouped as
-// the best of them sees them: dominant, recessive or apart.
+// Genotype cells of a single marker into risk groups (docs/method.md, section 5): as the best of
+// four tests sees them, dominant, recessive or apart.
 #include "csm/one_marker_clustering.h"
 
 #include "numeric/distributions.h"
@@ -14,7 +11,7 @@ namespace {
 constexpr double kNoStatistic = 0.5;
 constexpr double kNoPvalue = 0.5;
 
-// One of the four tests of OneMarkerCluster.
+// One of the four tests.
 struct CellTest {
     double statistic;
     double pvalue;

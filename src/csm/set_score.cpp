@@ -1,20 +1,11 @@
-// The permutation score of one marker set.
+// How many groups a marker set's genotype cells are put into (docs/method.md, section 5).
 //
-// How much better do the set's genotype cells, clustered into g = 2 .. 10 groups, separate cases
-// from controls than they would by chance? The cells are clustered for the observed phenotype
-// and for 500 random orders of it, under every g, and each clustering gets the statistic of its
-// groups. For every g the 501 statistics are turned into empirical p-values (largest statistic: 0);
-// the g under which the observed one is smallest, the largest such g, is the number of groups that
-// is kept.
-//
-// (The score itself, one minus the share of orders whose smallest p-value lies below the observed
-// one's, decides nothing and is shown nowhere, so it is not formed.)
-//
-// All that matters of a g is how many orders rank above the observed one: those whose statistic is
-// larger, and of those that are equal the ones that the sort of all 501 leaves behind it. So g
-// is tried from the largest down, and given up as soon as it has as many orders above the observed
-// one as the best g so far. A set whose observed statistic is the largest under the largest g is
-// decided after one look.
+// The cells are clustered for the observed phenotype and for 500 random orders of it, under every g
+// = 2 .. 10. All that matters of a g is how many orders rank above the observed one: those whose
+// statistic is larger, and of those that are equal the ones that the sort of all 501 leaves behind
+// it. So g is tried from the largest down, and given up as soon as it has as many orders above the
+// observed one as the best g so far. A set whose observed statistic is the largest under the
+// largest g is decided after one look.
 //
 // Cost: 500 orders drawn, and 500 x (groups tried) clusterings of at most nine cells.
 #include "csm/set_score.h"

@@ -1,5 +1,5 @@
-// The permutation score of one marker set: how many groups its cells are put into; see the essay in
-// set_score.cpp.
+// The permutations of one marker set, and how many groups its cells are put into by them; see the
+// essay in set_score.cpp.
 #pragma once
 
 #include "common/settings.h"
@@ -18,7 +18,7 @@ ClusterRecord best_clustering(const BuilderData& data, const BuilderSettings& se
                               const MarkerSet& set, const Generator& start, bool announce,
                               Transcript& transcript);
 
-// Numbers that one score draws.
+// Numbers that the orders of one set take.
 std::int64_t score_draws(int individuals);
 
 }  // namespace vort

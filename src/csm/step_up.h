@@ -1,12 +1,8 @@
 // The step-up rules that decide how many marker sets are kept.
 //
-// With the p-values p(1) <= p(2) <= ... of T sets of one size:
-//
-//   order 1   Benjamini & Hochberg (1995): the largest j with p(j) / j < cutoff / T and
-//             p(j) <= alpha
-//   order 2   Benjamini & Yekutieli (2001): the largest j with H p(j) / j < cutoff / T and
-//             p(j) < alpha. H starts as 1 + 1/2 + ... + 1/T and loses 1/j at every step down,
-//             where the published factor stays whole.
+// The rules, one for single markers and one for pairs, are those of docs/method.md, section 4, with
+// T sets of one size and p-values p(1) <= p(2) <= ... The factor H of pairs starts as 1 + 1/2 + ...
+// + 1/T and loses 1/j at every step down.
 //
 // For pairs there is a second form, which knows the p-values only by bounds, in groups, and gives
 // bounds of that j. It rests on two facts about a p-value t. At most j pairs are below t for sure:

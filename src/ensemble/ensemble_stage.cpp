@@ -1,16 +1,7 @@
-// One build and selection on the observed data set gives the model; its statistic S0 is
-// Cp(stop) / Cp(0), the smaller the more the model explains. The coefficients become importance
-// measures of the markers. The same build and selection on every permuted data set gives the
-// statistics S_k that the model has to be better than: p = #{k : S_k < S0} / B, without the usual
-// +1 in numerator and denominator, so p can be 0, and is not a number where B is 0.
+// The model, its p-value and the importance of its markers: docs/method.md, sections 8 and 9.
 //
-// The importance of a marker is the sum, over the base learners of the model whose marker set
-// contains it, of |beta| / k / v: k is the number of markers in the set, which share alike, and v
-// the mean square of the normalised column, 1 / n for every column that varies. A coefficient of
-// -0.5 on a pair in 100 individuals adds 0.5 / 2 / 0.01 = 25 to both markers.
-//
-// Where the observed data give no model at all, nothing is permuted: p is 1 and every statistic
-// is reported as 0.5.
+// Example of importance: a coefficient of -0.5 on a pair in 100 individuals adds 0.5 / 2 / 0.01 =
+// 25 to both markers, 0.01 being the mean square of a normalised column.
 #include "ensemble/ensemble_stage.h"
 
 #include <algorithm>

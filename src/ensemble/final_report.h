@@ -26,9 +26,8 @@ std::string report_text(const ReportInput& input, const Result& result, Transcri
 // What of it is echoed: all but the beginning, of a result with base learners.
 std::string report_body(const ReportInput& input, const Result& result, Transcript& console);
 
-// The names of the model's markers, which end the report. A name is that of the line before the
-// marker's own: it is looked up by the marker's column counted from 0. A table that cannot be used
-// stops the run.
+// The names of the model's markers, which end the report; whose they are: docs/method.md,
+// section 10. A table that cannot be used stops the run.
 std::string marker_names_text(const Settings& settings, const Result& result,
                               const MarkerTable& table);
 

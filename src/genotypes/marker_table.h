@@ -5,9 +5,8 @@
 // count.
 //
 // Two numberings meet here. Places count m from 0 or from 1, as the caller says. Names are those of
-// slot m, and slots count from 1: looked up by a column counted from 0, the name and the chromosome
-// are those of the line above the column's own; slot 0 is empty, with chromosome 0. The final
-// report shows names that way, the FDR report its own ones.
+// slot m, and slots count from 1; slot 0 is empty, with chromosome 0. What that does to the names
+// of the final report: docs/method.md, section 10.
 #pragma once
 
 #include <array>

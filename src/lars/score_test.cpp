@@ -1,14 +1,11 @@
-// The score test of a linear model.
+// The score test of a linear model (C. R. Rao 1948; docs/method.md, section 7).
 //
-// Under the null hypothesis every response is drawn around the common mean with variance sigma2.
-// The score vector U of the selected columns, U = sum over i of (y_i - y_mean) * d_i with d_i the
-// individual's centred row, then has covariance sigma2 * sum d_i d_i', and T = U' S^-1 U is about
-// chi-square with as many degrees of freedom as there are columns. For one column T is n times the
-// squared correlation of column and response. The test needs no fitted model: the coefficients
-// only say which columns are meant.
+// With d_i the centred row of individual i, U = sum over i of (y_i - y_mean) * d_i has the
+// covariance sigma2 * sum d_i d_i' under the null hypothesis, and T = U' S^-1 U is about
+// chi-square. For one column T is n times the squared correlation of column and response. The test
+// needs no fitted model: the coefficients only say which columns are meant.
 //
-// Cost: n * s^2 / 2 for n individuals and s columns. Source: C. R. Rao (1948), "Large sample tests
-// of statistical hypotheses concerning several parameters", Proc. Cambridge Phil. Soc. 44, 50-57.
+// Cost: n * s^2 / 2 for n individuals and s columns.
 #include "lars/score_test.h"
 
 #include <cmath>

@@ -1,35 +1,21 @@
-// Forward stagewise selection with a Cp stop.
+// Forward stagewise selection with a Cp stop (docs/method.md, section 7).
 //
-// The path starts from the empty model with the response as its residual. A step looks for the
-// column most correlated with the residual, gives it the coefficient that fits the residual best
-// (their inner product: columns have mean 0 and length 1) and takes the new residual from the
-// response. A coefficient is never touched again, so the path is greedier than least angle
-// regression, and a column enters at most once.
+// A step looks for the column most correlated with the residual, gives it the coefficient that fits
+// the residual best (their inner product: columns have mean 0 and length 1) and takes the new
+// residual from the response:
 //
 //     X0 = (1, -1, 0, 0) / sqrt 2,  X1 = (0, 0, 1, -1) / sqrt 2,  Y = (3, -3, 1, -1)
 //     step 0: X0 enters with 3 sqrt 2, sum of squares 20 -> 2
 //     step 1: X1 enters with 1 sqrt 2, sum of squares  2 -> 0
 //
-// A column with a negative correlation is turned (negated) as it enters, so that every column
-// enters with its own sign made positive. Whether it is turned depends on the negative set, which
-// remembers every column that was ever negatively correlated with a residual: one that has become
-// positive meanwhile is turned all the same and enters with a negative coefficient. At the end
-// every column of that set is turned (back) together with its coefficient, which changes no fitted
-// value: a column that had entered now stands as it was read, one that had not is left negated.
-//
-// The path ends when all columns are in, after max_steps steps, when the residual sum of squares
-// grows, or when over the last ten steps either it or the largest correlation left has hardly
-// moved. The path is then cut at the step with the smallest
-//     Cp(j) = (n - K - 1) * rss(j) / rss(K) + j / 2        for a path of K steps,
-// a criterion of its own, with a penalty of half a unit a step instead of two.
+// A column that was ever negatively correlated with a residual is turned (negated) as it enters. At
+// the end all such columns are turned together with their coefficients: one that had entered now
+// stands as it was read, one that had not is left negated.
 //
 // Cost: a step of the path reads every inactive column once (its inner product with the residual)
-// and every active one once (the new residual): n * p for a step, n * p * steps for the path.
-// Every sum starts at 0 and takes its terms in increasing index, so that results are the same
-// everywhere; speed comes from working on several sums at a time instead.
-//
-// T. Hastie, R. Tibshirani, J. Friedman, "The Elements of Statistical Learning", 2nd ed. (2009),
-// section 3.3.3; C. L. Mallows (1973), "Some comments on Cp", Technometrics 15, 661-675.
+// and every active one once (the new residual): n * p for a step, n * p * steps for the path. Every
+// sum starts at 0 and takes its terms in increasing index; speed comes from working on several sums
+// at a time.
 #include "lars/stagewise_path.h"
 
 #include <algorithm>

@@ -1,9 +1,8 @@
 // The uniform generator, as a value.
 //
 // Three multiplicative congruential generators are added modulo 1, which multiplies their periods
-// (B. A. Wichmann and I. D. Hill, "An efficient and portable pseudo-random number generator",
-// Applied Statistics 31, 1982, pp. 188-190). The published second modulus is 30307; this program
-// has always used 30309, in the residue and in the quotient, and its results depend on it.
+// (B. A. Wichmann and I. D. Hill, Applied Statistics 31, 1982, pp. 188-190; the second modulus is
+// not the published one, docs/method.md, section 11).
 //
 // 30309 = 3 * 10103 is no prime, but no part ever becomes a whole number: each multiplier is
 // invertible modulo its modulus, and the first state has no multiple of the prime moduli and none

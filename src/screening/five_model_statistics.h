@@ -1,27 +1,11 @@
-// The statistics of the five-model test, written once for one marker and for several.
+// The statistics of the five-model test (docs/method.md, section 1), written once for one marker
+// and for several.
 //
-// With a_g and b_g the counts of genotype g in R genotyped cases and S genotyped controls:
-//
-//   additive    allele frequencies p = (2 a2 + a1) / 2R, q = (2 b2 + b1) / 2S;
-//               (p - q)^2 (K + 1 / ((1 - p)/2S + (1 - q)/2R)), K = 4RS / alleles counted, an
-//               integer quotient cut towards zero
-//   dominant    carriers p = (a2 + a1) / R, q = (b2 + b1) / S;
-//               (p - q)^2 (1 / (p/S + q/R) + 1 / ((1 - p)/S + (1 - q)/R))
-//   recessive   the same with p = a2 / R, q = b2 / S
-//   genotype    the sum over genotypes of (p - q)^2 / (q/R + p/S), one degree of freedom fewer than
-//               genotypes seen
-//
-// Each is referred to a chi-square distribution. p/S + q/R is the variance of p - q with both
-// groups pooled, so that the dominant, recessive and genotype statistics are Pearson's. The
-// additive one would be the allelic test if K were 1 / (p/2S + q/2R); the integer quotient makes it
-// jump between neighbouring tables. A marker that does not vary gets the statistic 0.0001. Both are
-// part of the method.
-//
-// Example: R = S = 100 and 2 a2 + a1 + b1 + 2 b2 = 300 give K = 133, not 133.33.
-//
-// Number is a double or a vector of them; all counts are whole numbers, R and S positive. Vectors
-// need 4RS below 2^51, as fits() tells: a quotient of whole numbers that small never rounds up to
-// the next whole number, so K is exact.
+// Number is a double or a vector of them; all counts are whole numbers, R and S positive. The
+// additive statistic has a quotient of whole numbers that is cut: R = S = 100 and 2 a2 + a1 + b1 +
+// 2 b2 = 300 give K = 133, not 133.33. Vectors form it in doubles and need 4RS below 2^51, as
+// fits() tells: a quotient of whole numbers that small never rounds up to the next one, so K is
+// exact.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
 // Screenings: test, list, rank.
 //
-// Every marker is tested on its own under four genetic models; its fifth p-value, the "minimum", is
-// the smallest of them and ranks the marker. The console shows, in this order, the markers that
-// pass a fixed threshold under each model and under the minimum, the counts of these lists, and
-// the ranking of all markers. Of a ranking only the best markers are kept.
+// Every marker is tested and ranked by its smallest p-value (docs/method.md, section 1). The
+// console shows, in this order, the markers that pass a fixed threshold under each model and under
+// the minimum, the counts of these lists, and the ranking of all markers, of which only the best
+// are kept.
 //
 // The data sets of a run differ in who is a case, not in the genotypes, so a batch of them goes
 // through the genotypes together, stretch of markers by stretch (stretch_screening.h). What a batch

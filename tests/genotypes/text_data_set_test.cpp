@@ -148,7 +148,7 @@ TEST(TextDataSet, AFileThatCannotBeReadStopsTheRun) {
         const char *file, *stop, *said;
     } rows[] = {
         {"absent", "0 file open absent not good\n", ""},
-        {"folder", "1 file open folder not good\n",
+        {"folder", "0 file open folder not good\n",
          "folder: is a directory; a file was expected\n"},
         {"/proc/self/mem", "1 ",
          "/proc/self/mem:1: could not be read on (Input/output error); nothing is analysed without "

@@ -41,8 +41,7 @@ struct AnalysisRun {
         Told told;
         const Console keep = [this](std::string_view text) { console += text; };
         stopped = stop_of([&] {
-            result =
-                analyse(golden.study, golden.settings, options, keep, told.diagnostics, notes);
+            result = analyse(golden.study, golden.settings, options, keep, told.diagnostics, notes);
         });
         console = std::regex_replace(console, std::regex("(time of pvalue )[0-9]+"), "$1T");
         diagnostics = told.take();
