@@ -12,6 +12,11 @@ namespace {
 constexpr int kMostAtOnce = 64;
 constexpr double kWindowBytes = 64e6;
 
+// Of one search of all pairs, at most.
+double pair_bytes(double markers) {
+    return 8 * markers * (markers - 1) / 2;
+}
+
 }  // namespace
 
 // One data set on its way.
@@ -50,7 +55,9 @@ double ModelStage::bytes(double individuals, double markers, double columns, int
     const double one = BuilderData::bytes(individuals, markers);
     // A design in work: columns as bytes and as numbers, and the vectors of the selection.
     const double design = individuals * (9 * columns + 64);
-    return std::max(kWindowBytes, threads * one) + threads * (design + 32 * individuals);
+    const double pairs = std::max(pair_bytes(markers), threads * kWindowBytes);
+    return std::max(kWindowBytes, threads * one) + threads * (design + 32 * individuals) +
+           std::min(pairs, threads * pair_bytes(markers));
 }
 
 void ModelStage::run(int first, int count, const Take& take) {
@@ -76,8 +83,8 @@ void ModelStage::run_window(int first, int count, const Take& take) {
 }
 
 template <typename Body>
-void ModelStage::for_each_work(std::vector<Work>& window, Body body) {
-    if (window.size() >= 2 * static_cast<std::size_t>(threads_)) {
+void ModelStage::for_each_work(std::vector<Work>& window, bool apart, Body body) {
+    if (!apart && window.size() >= 2 * static_cast<std::size_t>(threads_)) {
         for_each_index(threads_, window.size(), [&](std::size_t w) { body(window[w], 1); });
     } else {
         for (Work& work : window) body(work, threads_);
@@ -92,14 +99,16 @@ void ModelStage::take_data(std::vector<Work>& window) {
         quantitative_ = quantitative_ ||
                         std::any_of(work.phenotypes.begin(), work.phenotypes.end(), is_quantity);
     }
-    for_each_work(window, [this](Work& work, int threads) {
+    for_each_work(window, false, [this](Work& work, int threads) {
         work.input.emplace(BuilderInput{genotypes_, work.phenotypes, best_[work.row]});
         work.data.emplace(*work.input, settings_, work.quantitative_before, threads);
     });
 }
 
+// One data set at a time where the codes of all pairs take much memory.
 void ModelStage::search(std::vector<Work>& window) {
-    for_each_work(window, [this](Work& work, int threads) {
+    const bool large = pair_bytes(settings_.usable_markers()) > kWindowBytes;
+    for_each_work(window, large, [this](Work& work, int threads) {
         work.kept = search_sets(*work.data, settings_, threads, wanted_);
         work.result.pair_search = work.kept.pair_statistics;
     });

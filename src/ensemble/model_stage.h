@@ -65,7 +65,7 @@ class ModelStage {
     void finish(Work& work);
     // Outer loops over data sets where there are enough of them, else loops within each.
     template <typename Body>
-    void for_each_work(std::vector<Work>& window, Body body);
+    void for_each_work(std::vector<Work>& window, bool apart, Body body);
 
     const Genotypes& genotypes_;
     const PhenotypeRows& phenotypes_;

@@ -128,7 +128,7 @@ TEST(Screening, AgreesWithThePlainFormOnRandomStudies) {
                                                          {5, row, false}}) {
             ScreeningOptions options;
             options.threads = threads;
-            options.batch_bytes = bytes;
+            options.batch_bytes = static_cast<double>(bytes);
             options.transcript = transcript;
             options.kept = static_cast<int>(random() % (2 * static_cast<unsigned>(m) + 2));
             expect_plain(study.genotypes, rows, plain, options);
