@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <regex>
 
 #include "support/golden_study.h"
 
@@ -44,8 +43,16 @@ struct AnalysisRun {
             result =
                 analyse(golden.study, golden.settings, options, keep, told.diagnostics(), notes);
         });
-        console = std::regex_replace(console, std::regex("(time of pvalue )[0-9]+"), "$1T");
+        mask_seconds();
         diagnostics = told.take();
+    }
+
+    void mask_seconds() {
+        const std::string before = "time of pvalue ";
+        for (std::size_t at = 0; (at = console.find(before, at)) != console.npos; ++at) {
+            const std::size_t from = at + before.size();
+            console.replace(from, console.find('\n', from) - from, "T");
+        }
     }
 
     Result result;
