@@ -46,18 +46,6 @@ TEST(BuilderData, PhenotypeIsCentred) {
     EXPECT_TRUE(data.quantitative());
 }
 
-// The first draws are (171/30269 + 516/30309 + 850/30323) mod 1 and so on: 0.0507, 0.6596, 0.9607.
-TEST(Imputation, DrawsFromTheMarkersOwnFrequencies) {
-    // A third each, so 0.0507 is a 0, 0.6596 just a 1, and 0.9607 a 2. Known nowhere: a draw is no
-    // share of nothing, so all are 2.
-    const BuilderData data = builder_data(
-        packed(6, {{0, -1, 2, -1, -1, 1}, {-1, -1, -1, -1, -1, -1}}), {0, 0, 0, 0, 0, 0});
-    const Imputation imputation(data, Generator());
-    EXPECT_EQ(imputation.codes(0), (std::vector<signed char>{0, 0, 2, 1, 2, 1}));
-    EXPECT_EQ(imputation.codes(1), std::vector<signed char>(6, 2));
-    EXPECT_EQ(imputation.draws(), 9);
-}
-
 TEST(Imputation, AgreesWithDrawingAllMarkersInOrder) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));

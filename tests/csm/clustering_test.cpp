@@ -4,7 +4,6 @@
 #include <numeric>
 #include <random>
 
-#include "csm/alternative_clusterings.h"
 #include "csm/cell_clustering.h"
 #include "csm/cluster_kernel.h"
 #include "csm/one_marker_clustering.h"
@@ -112,57 +111,6 @@ TEST(OneMarkerClustering, FollowsTheBestTest) {
             group_one_marker(tests, g, groups.data());
             EXPECT_EQ(groups, from_one(g == 2 ? row.two_groups : row.three_groups)) << row.best;
         }
-    }
-}
-
-TEST(AlternativeClusterings, ByHand) {
-    using Method = void (*)(const CellTable&, int, int*);
-    const Method c1 = cluster_by_positive_means;
-    const Method c2 = [](const CellTable& cells, int g, int* group) {
-        merge_by_risk_difference(cells, 10, 10, g, group);
-    };
-    const Method c4 = merge_by_average;
-    const std::vector<double> near = {0, 0.1, 1, 1.05};
-    const struct {
-        const char* name;
-        Method method;
-        int g;
-        std::vector<int> groups;
-        std::vector<double> value;
-        std::vector<int> cases = {1, 1, 1, 1, 1};
-        std::vector<int> controls = {0, 0, 0, 0, 0};
-    } rows[] = {
-        // Centres 0.5 and -0.5, then 0.55 and 0 (no positive value), 0.725 and 0.2, 1 and 0.325.
-        {"only positive values move a centre", c1, 2, {1, 2, 2, 2}, {1, 0.45, 0.2, -1}},
-        // Cell 2 is placed as 0 and weighs as 5: groups go from 1 1 2 to 2 2 2 to 1 1 1 and so on,
-        // and stand at 1 1 1 after the 99th pass.
-        {"no end in sight", c1, 2, {1, 1, 1}, {1, 5, -1}, {1, 0, 1}},
-        // The last in order is nobody's right partner but the first candidate's: 1 and 1.05, though
-        // closest, stay apart.
-        {"nearest but last", c4, 3, {1, 1, 2, 3}, near},
-        {"first candidate reaches the last", c4, 1, {1, 1}, {3, 1}},
-        // 0.5 and 0.7 merge at 0.6, 0 is then at 0.6 from it and 1.1 at 0.5: the average of the two
-        // inputs, not of cluster values, decides; 9 stands last.
-        {"averages", c4, 3, {1, 2, 1, 3, 1}, {0.5, 9, 1.1, 0, 0.7}},
-        // An empty cell stands at 0, next to 0.1, and takes its 8 into the average 4.05, next to 5.
-        {"an empty cell", c4, 3, {1, 1, 2, 1, 3}, {8, 0.1, 0.3, 5, 9}, {0, 1, 1, 1, 1}},
-        {"one merge at least", c2, 4, {1, 1, 2, 3}, near},
-        // Cells 1 and 2, 5 cases and 3 controls of 10 each, are then at 0.2 sqrt(20.83) / 2 = 0.456
-        // next to 0.5; undivided, 0.913 would be next to 0.93. With more controls than cases the
-        // value is negative, far from 0.5.
-        {"per cell", c2, 3, {1, 1, 1, 2, 3}, {0, .1, .5, .93, 9}, {2, 3, 1, 1, 1}, {3, 0, 1, 1, 1}},
-        {"signed", c2, 3, {1, 1, 2, 2, 3}, {0, .1, .5, .93, 9}, {0, 3, 1, 1, 1}, {2, 3, 1, 1, 1}},
-        {"two cells out of reach; no number above g", c2, 1, {1, 1}, {3, 1}},
-    };
-    for (const auto& row : rows) {
-        const auto value = from_one(row.value);
-        const auto cases = from_one(row.cases);
-        const auto controls = from_one(row.controls);
-        std::vector<int> groups(value.size());
-        row.method(
-            {static_cast<int>(row.value.size()), value.data(), cases.data(), controls.data()},
-            row.g, groups.data());
-        EXPECT_EQ(groups, from_one(row.groups)) << row.name;
     }
 }
 

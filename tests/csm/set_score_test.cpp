@@ -151,23 +151,5 @@ TEST(BestClustering, AgreesWithTheRuleAsItIsDefined) {
     }
 }
 
-TEST(BestClustering, PerfectSeparation) {
-    Columns columns(2);
-    std::vector<short> phenotype;
-    for (int i = 0; i < 24; ++i) {
-        columns[0].push_back(i % 2 == 0 ? 2 : 0);
-        columns[1].push_back(i % 2 == 0 || i % 3 == 0 ? 0 : 1);
-        phenotype.push_back(i % 2 == 0 ? 1 : 0);
-    }
-    const BuilderData data = builder_data(packed(24, columns), phenotype);
-    Transcript text(false);
-    const ClusterRecord record = best_clustering(data, builder_settings(24, 2), marker_set(2, 1, 2),
-                                                 Generator(), false, text);
-    EXPECT_TRUE(record.includes(6, 0)) << "the highest cell mean is in the first group";
-    EXPECT_EQ(record.group_average[0], 1.0);
-    EXPECT_EQ(record.group_frequency[0], 0.5);
-    EXPECT_FALSE(record.includes(0, 0) || record.includes(1, 0));
-}
-
 }  // namespace
 }  // namespace vort::testing

@@ -3,10 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "numeric/index_sort.h"
-#include "screening/fdr_report.h"
 #include "screening/marker_pvalues.h"
 #include "support/instruction_sets.h"
 #include "support/random_study.h"
@@ -152,12 +149,6 @@ TEST(Screening, ManyIndividuals) {
     }
 }
 
-bool same(const std::vector<Finding>& a, const std::vector<Finding>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
-        return x.marker == y.marker && x.pvalue == y.pvalue;
-    });
-}
-
 TEST(StretchScreening, EverySetOfInstructionsAgreesWithThePlainForm) {
     for (const int n : {1, 9, 64, 300, 13000}) {
         const RandomStudy study(static_cast<unsigned>(n), {n, n > 1000 ? 20 : 200, 0.02});
@@ -179,53 +170,13 @@ TEST(StretchScreening, EverySetOfInstructionsAgreesWithThePlainForm) {
             StretchScreening(shared, planes)
                 .screen(0, study.genotypes.markers(), {minima.data(), markers}, findings);
             for (int d = 0; d < rows.count(); ++d) {
-                const Findings wanted = plain_findings(plain[d].all);
                 const double* const found = minima.data() + static_cast<std::size_t>(d) * markers;
                 EXPECT_TRUE(std::equal(found, found + markers, plain[d].all.minimum.begin() + 1));
-                EXPECT_EQ(findings[d].dropped, wanted.dropped);
-                EXPECT_EQ(findings[d].dropped_significant, wanted.dropped_significant);
-                for (int model = 0; model < kModels; ++model) {
-                    EXPECT_TRUE(same(findings[d].significant[model], wanted.significant[model]));
-                }
-                EXPECT_TRUE(same(findings[d].minimum_significant, wanted.minimum_significant));
+                Transcript lists(true);
+                print_plain_lists(lists, findings[d]);
+                EXPECT_TRUE(plain[d].text.starts_with(lists.text()));
             }
         }
-    }
-}
-
-// Only the group that misses too many decides, and it may be either: one in twenty may be missing.
-TEST(MarkerPvalues, MissingLimitsAreThoseOfEachGroup) {
-    for (const auto& [in_cases, in_controls, dropped] :
-         {std::tuple{1, 1, 0}, {2, 0, 1}, {0, 2, 1}, {2, 2, 1}}) {
-        std::vector<short> phenotypes(40);
-        std::vector<signed char> codes(40, 1);
-        std::fill_n(phenotypes.begin(), 20, short{1});
-        std::fill_n(codes.begin(), in_cases, static_cast<signed char>(-1));
-        std::fill_n(codes.rbegin(), in_controls, static_cast<signed char>(-1));
-        EXPECT_EQ(test_all_markers(packed(40, {codes}), phenotypes).dropped, dropped);
-    }
-}
-
-TEST(FalseDiscoveryCount, IsTheLastRankUnderTheLine) {
-    const struct {
-        std::vector<double> pvalue;  // from element 1 on, at level 0.05
-        double divisor;
-        int expected;
-    } rows[] = {
-        {{0}, 1, 0},
-        {{0, 0.05}, 1, 1},
-        {{0, 0.0500001}, 1, 0},
-        {{0, 0.0125}, 4, 1},
-        {{0, 0.0126}, 4, 0},
-        {{0, 0.9, 0.024, 0.9, 0.025}, 1, 2},  // the first rank alone is above the line
-        {{0, 0.051, 0.0125, 0.9, 0.026}, 1, 1},
-    };
-    for (const auto& row : rows) {
-        std::vector<double> pvalue = row.pvalue;
-        std::vector<int> order(pvalue.size());
-        Quickindex(pvalue.data(), order.data(), static_cast<int>(pvalue.size()) - 1);
-        EXPECT_EQ(false_discovery_count(pvalue, order, 0.05, row.divisor), row.expected)
-            << ::testing::PrintToString(row.pvalue);
     }
 }
 
