@@ -28,7 +28,8 @@ void MarkerTable::fault(std::string_view kind, long line, std::string text) {
 void MarkerTable::add(int chromosome, std::string_view name) {
     if (chromosome >= 1 && chromosome <= kChromosomes) ++counts_[chromosome];
     if (names_.size() > kMostNamed) return;
-    names_.emplace_back(name.substr(0, kNameLength));
+    // A name ends at its first NUL, as the texts that it goes into did.
+    names_.emplace_back(name.substr(0, std::min(name.find('\0'), kNameLength)));
     chromosomes_.push_back(static_cast<signed char>(chromosome));
 }
 
