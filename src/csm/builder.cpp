@@ -98,13 +98,13 @@ MarkerSet KeptSets::set(int s, int m) const {
 }
 
 KeptSets search_sets(const BuilderData& data, const BuilderSettings& settings, int threads,
-                     bool wanted) {
+                     bool wanted, PairCodeRoom& room) {
     KeptSets kept;
     kept.marker_text = kept.pair_text = Transcript(wanted);
     kept.markers = search_markers(data, settings, threads, kept.marker_text);
     if (!settings.takes_pairs()) return kept;
     PairSearchResult found =
-        search_pairs({data.planes(), data.phenotype(), data.sigma()}, settings.fdr_cutoff,
+        search_pairs({data.planes(), data.phenotype(), data.sigma(), &room}, settings.fdr_cutoff,
                      settings.alpha, settings.max_retain, threads, kept.pair_text);
     kept.pairs = std::move(found.kept);
     kept.pair_statistics = found.statistics;

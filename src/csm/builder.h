@@ -6,7 +6,7 @@
 // follows from it, so that data sets can be worked on side by side:
 //
 //     BuilderData data(input, settings, quantitative, threads);
-//     const KeptSets kept = search_sets(data, settings, threads, wanted);
+//     const KeptSets kept = search_sets(data, settings, threads, wanted, room);
 //     // builder_draws(data, kept) numbers later the next data set's draws begin.
 //     for each set s: records.push_back(score_set(data, settings, kept, s, start, ...));
 //     Design design = ...
@@ -37,8 +37,9 @@ struct KeptSets {
     MarkerSet set(int s, int m) const;
 };
 
+// `room` is used again from search to search.
 KeptSets search_sets(const BuilderData& data, const BuilderSettings& settings, int threads,
-                     bool wanted);
+                     bool wanted, PairCodeRoom& room);
 
 // Numbers drawn for a data set: a missing genotype takes one, a kept set score_draws().
 std::int64_t builder_draws(const BuilderData& data, const KeptSets& kept);

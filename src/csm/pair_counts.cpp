@@ -235,12 +235,13 @@ std::optional<TwoValues> two_values(std::span<const double> phenotype) {
     return values;
 }
 
-LargeArray<PairCode> count_pairs(const MarkerPlanes& markers, std::span<const double> phenotype,
-                                 const TwoValues& values, double sigma, int threads,
-                                 Instructions set) {
+std::span<const PairCode> count_pairs(const MarkerPlanes& markers,
+                                      std::span<const double> phenotype, const TwoValues& values,
+                                      double sigma, int threads, Instructions set,
+                                      PairCodeRoom& room) {
     const int m = markers.markers();
     const MarkerLayout layout(markers, phenotype, values, sigma, threads);
-    LargeArray<PairCode> codes(static_cast<std::size_t>(PairNumbers(m).count()));
+    const std::span<PairCode> codes = room.take(static_cast<std::size_t>(PairNumbers(m).count()));
     const TileCounter counter(layout, m, set, codes.data());
     const std::size_t tiles = (static_cast<std::size_t>(m) + kTileRows - 1) / kTileRows;
     for_each_index(threads, tiles, [&](std::size_t t) {

@@ -34,9 +34,29 @@ struct TwoValues {
 // Nothing where the phenotype has only one value, or more than two.
 std::optional<TwoValues> two_values(std::span<const double> phenotype);
 
-// Code of every pair, the first one's at 0. `phenotype` has the two values; sigma > 0.
-LargeArray<PairCode> count_pairs(const MarkerPlanes& markers, std::span<const double> phenotype,
-                                 const TwoValues& values, double sigma, int threads,
-                                 Instructions set);
+// Room for codes, kept from one search to the next: most of a search's memory, which costs time
+// where the system has to hand it out anew.
+class PairCodeRoom {
+  public:
+    // What is there may be anything.
+    std::span<PairCode> take(std::size_t size) {
+        if (size > size_) {
+            codes_ = LargeArray<PairCode>();
+            codes_ = LargeArray<PairCode>(size);
+            size_ = size;
+        }
+        return {codes_.data(), size};
+    }
+
+  private:
+    LargeArray<PairCode> codes_;
+    std::size_t size_ = 0;
+};
+
+// Code of every pair, the first one's at 0, in `room`. `phenotype` has the two values; sigma > 0.
+std::span<const PairCode> count_pairs(const MarkerPlanes& markers,
+                                      std::span<const double> phenotype, const TwoValues& values,
+                                      double sigma, int threads, Instructions set,
+                                      PairCodeRoom& room);
 
 }  // namespace vort

@@ -214,12 +214,12 @@ PairSearchResult search_pairs(const PairSearchInput& input, double fdr_cutoff, d
     }
     for (std::int64_t c = kAnnouncePairs; c <= N; c += kAnnouncePairs) announce_pair(c, transcript);
     if (max_retain <= 0) return result;
-    const LargeArray<PairCode> codes =
-        count_pairs(input.markers, input.phenotype, *values, input.sigma, threads, set);
+    PairCodeRoom own_room;
+    PairCodeRoom& room = input.room != nullptr ? *input.room : own_room;
+    const std::span<const PairCode> codes =
+        count_pairs(input.markers, input.phenotype, *values, input.sigma, threads, set, room);
     const PairBounds bounds(statistic_error(*values, input.sigma));
-    return BoundedSearch(input, rule, max_retain, threads,
-                         {codes.data(), static_cast<std::size_t>(N)}, bounds)
-        .search();
+    return BoundedSearch(input, rule, max_retain, threads, codes, bounds).search();
 }
 
 }  // namespace vort

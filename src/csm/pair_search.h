@@ -11,6 +11,7 @@
 
 #include "common/transcript.h"
 #include "csm/marker_planes.h"
+#include "csm/pair_counts.h"
 #include "numeric/instructions.h"
 
 namespace vort {
@@ -20,6 +21,7 @@ struct PairSearchInput {
     const MarkerPlanes& markers;
     std::span<const double> phenotype;  // centred, in the order of the individuals
     double sigma;                       // its variance, divisor n
+    PairCodeRoom* room = nullptr;       // memory to be used again, where there is any
 };
 
 // How the result was come by.

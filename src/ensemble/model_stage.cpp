@@ -43,7 +43,8 @@ ModelStage::ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotyp
       best_(best),
       settings_(settings),
       threads_(threads),
-      wanted_(wanted) {}
+      wanted_(wanted),
+      rooms_([] { return PairCodeRoom(); }) {}
 
 int ModelStage::window_size() const {
     const double one = BuilderData::bytes(settings_.individuals, settings_.usable_markers());
@@ -109,7 +110,7 @@ void ModelStage::take_data(std::vector<Work>& window) {
 void ModelStage::search(std::vector<Work>& window) {
     const bool large = pair_bytes(settings_.usable_markers()) > kWindowBytes;
     for_each_work(window, large, [this](Work& work, int threads) {
-        work.kept = search_sets(*work.data, settings_, threads, wanted_);
+        work.kept = search_sets(*work.data, settings_, threads, wanted_, *rooms_.borrow());
         work.result.pair_search = work.kept.pair_statistics;
     });
 }

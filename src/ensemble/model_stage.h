@@ -12,6 +12,7 @@
 
 #include "common/settings.h"
 #include "common/transcript.h"
+#include "common/workspaces.h"
 #include "csm/builder.h"
 #include "csm/design.h"
 #include "genotypes/genotypes.h"
@@ -73,6 +74,7 @@ class ModelStage {
     BuilderSettings settings_;
     int threads_;
     bool wanted_;
+    Workspaces<PairCodeRoom> rooms_;
     Generator next_draw_;        // where the next data set's draws begin
     bool quantitative_ = false;  // a phenotype so far was neither 0 nor 1
     bool method_told_ = false;   // the method of clustering, on the console

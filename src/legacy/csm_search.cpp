@@ -117,8 +117,10 @@ double CSM::test_quantitive(int k, int c) {
 
 int CSM::bestsetper1(BestClusterInformationArray* array) {
     const BuilderData data = packed_data(false);
-    KeptSets kept =
-        on_console([&](Transcript&) { return search_sets(data, settings(), 1, max_order > 0); });
+    KeptSets kept = on_console([&](Transcript&) {
+        PairCodeRoom room;
+        return search_sets(data, settings(), 1, max_order > 0, room);
+    });
     if (max_order < 2) {
         kept.pairs.clear();
         kept.pair_text.clear();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -152,13 +153,15 @@ TEST(PairSearch, PhenotypeWithoutVariance) {
 // The p-values are those of single pairs, and within the bounds of their codes and bins.
 TEST(PairSearch, BoundsHold) {
     std::int64_t known = 0;
+    PairCodeRoom room;
+    std::ranges::fill(room.take(100000), ~PairCode{0});
     for (const int n : {40, 1000, 50000}) {
         const RandomPairStudy study(4, {.n = n, .m = 2400 / n + 8, .missing = 0.05, .effect = 0.3});
         Transcript nobody(false);
         const std::vector<double> pvalue = study.pvalues(nobody);
         const TwoValues values = two_values(study.y).value();
         const auto codes =
-            count_pairs(study.markers, study.y, values, study.sigma, 1, best_instructions());
+            count_pairs(study.markers, study.y, values, study.sigma, 1, best_instructions(), room);
         const PairBounds bounds(statistic_error(values, study.sigma));
         const std::size_t N = pvalue.size() - 1;
         const ExactPairs exact(study.input(), {codes.data(), N}, bounds);
