@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "support/golden_study.h"
+#include "support/masked_seconds.h"
 
 namespace vort::testing {
 namespace {
@@ -42,16 +43,8 @@ struct AnalysisRun {
         stopped = stop_of([&] {
             result = analyse(golden.study, golden.settings, options, keep, told.diagnostics, notes);
         });
-        mask_seconds();
+        console = with_masked_seconds(console);
         diagnostics = told.take();
-    }
-
-    void mask_seconds() {
-        const std::string before = "time of pvalue ";
-        for (std::size_t at = 0; (at = console.find(before, at)) != console.npos; ++at) {
-            const std::size_t from = at + before.size();
-            console.replace(from, console.find('\n', from) - from, "T");
-        }
     }
 
     Result result;
