@@ -76,6 +76,14 @@ void for_each_index(int threads, std::size_t count, Body body) {
     failure.rethrow();
 }
 
+// body(begin, end) for the stretches of at most `size` that 0 .. count-1 falls into, in any order:
+// for passes that are short, or whose results lie side by side.
+template <typename Body>
+void for_each_stretch(int threads, std::size_t count, std::size_t size, Body body) {
+    for_each_index(threads, (count + size - 1) / size,
+                   [&](std::size_t s) { body(s * size, std::min(count, (s + 1) * size)); });
+}
+
 // deliver(i, make(i)) for i = 0 .. count-1: `make` in any order, `deliver` in ascending order and
 // never twice at once. At most `threads` results wait for their turn.
 template <typename Make, typename Deliver>

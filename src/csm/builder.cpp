@@ -33,11 +33,17 @@ std::vector<int> search_markers(const BuilderData& data, const BuilderSettings& 
                                 int threads, Transcript& transcript) {
     const int m = data.markers();
     std::vector<double> pvalue(static_cast<std::size_t>(m) + 1);
-    std::vector<Transcript> texts(static_cast<std::size_t>(m), Transcript(transcript.wanted()));
-    for_each_index(threads, static_cast<std::size_t>(m), [&](std::size_t j) {
-        if ((j + 1) % kAnnounceMarkers == 0) texts[j] << "j=" << j + 1 << '\n';
-        pvalue[j + 1] = test_marker(data, static_cast<int>(j), texts[j]);
-    });
+    constexpr std::size_t kAtOnce = kAnnounceMarkers;
+    const auto stretches = (static_cast<std::size_t>(m) + kAtOnce - 1) / kAtOnce;
+    std::vector<Transcript> texts(stretches, Transcript(transcript.wanted()));
+    const auto test = [&](std::size_t j, std::size_t end) {
+        Transcript& text = texts[j / kAtOnce];
+        for (; j < end; ++j) {
+            if ((j + 1) % kAnnounceMarkers == 0) text << "j=" << j + 1 << '\n';
+            pvalue[j + 1] = test_marker(data, static_cast<int>(j), text);
+        }
+    };
+    for_each_stretch(threads, static_cast<std::size_t>(m), kAtOnce, test);
     for (const Transcript& text : texts) transcript.add(text);
     std::vector<int> order(pvalue.size());
     if (m > 0) Quickindex(pvalue.data(), order.data(), m);

@@ -27,8 +27,10 @@ BuilderData::BuilderData(const BuilderInput& input, const BuilderSettings& setti
     centre();
     const auto room = 2 * static_cast<std::size_t>(input.genotypes.individuals());
     Workspaces<std::vector<signed char>> spaces([room] { return std::vector<signed char>(room); });
-    for_each_index(threads, frequencies_.size(), [&](std::size_t j) {
-        take_marker(input, static_cast<int>(j), *spaces.borrow());
+    constexpr std::size_t kAtOnce = 32;
+    for_each_stretch(threads, frequencies_.size(), kAtOnce, [&](std::size_t j, std::size_t end) {
+        const auto space = spaces.borrow();
+        for (; j < end; ++j) take_marker(input, static_cast<int>(j), *space);
     });
     for (std::size_t j = 0; j < frequencies_.size(); ++j) {
         missing_before_[j + 1] = missing_before_[j] + frequencies_[j].missing;
