@@ -66,18 +66,18 @@ void EnsembleStage::check_against_screening() const {
           study_.phenotypes.count() - 1);
 }
 
-void EnsembleStage::keep_last(const ModelledDataSet& modelled) {
-    if (modelled.design) last_design_ = modelled.design;
-    if (modelled.selection) last_selection_ = modelled.selection;
+void EnsembleStage::keep_last(ModelledDataSet& modelled) {
     result_.pair_searches.add(modelled.pair_search);
+    if (modelled.design) last_design_ = std::move(modelled.design);
+    if (modelled.selection) last_selection_ = std::move(modelled.selection);
 }
 
 void EnsembleStage::analyse_observed() {
     Transcript out(options_.transcript);
-    models_.run(0, 1, [&](int, const ModelledDataSet& modelled) {
-        keep_last(modelled);
+    models_.run(0, 1, [&](int, ModelledDataSet&& modelled) {
         say(modelled.transcript);
         result_.observed = modelled.statistic;
+        keep_last(modelled);
     });
     if (last_design_->records().empty()) {
         out << "CSM Method find there aren't any model for the data\n";
@@ -159,7 +159,7 @@ bool EnsembleStage::select_markers() {
 void EnsembleStage::analyse_permutations() {
     int stronger = 0;
     const int B = settings_.builder.permutations;
-    models_.run(1, std::max(B, 0), [&](int d, const ModelledDataSet& modelled) {
+    models_.run(1, std::max(B, 0), [&](int d, ModelledDataSet&& modelled) {
         Transcript out(options_.transcript);
         out << "permutation = " << d - 1 << " \n";
         out.add(modelled.transcript);

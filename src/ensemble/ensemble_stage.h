@@ -57,7 +57,7 @@ class EnsembleStage {
   private:
     void announce();
     void check_against_screening() const;
-    void keep_last(const ModelledDataSet& modelled);
+    void keep_last(ModelledDataSet& modelled);
     void analyse_observed();
     void record_base_learners(const Design& design, const Coefficients& read, Transcript& out);
     void record_group(const ClusterRecord& record, int q, int g, int recorded, int b,

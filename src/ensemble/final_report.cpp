@@ -39,7 +39,6 @@ class Report {
         console_ << value;
         return *this;
     }
-    Transcript& console() { return console_; }
     std::string text() const { return std::string(text_.text()); }
 
   private:

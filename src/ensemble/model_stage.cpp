@@ -78,7 +78,7 @@ void ModelStage::run_window(int first, int count, const Take& take) {
     for_each_index(threads_, window.size(), [&](std::size_t w) { finish(window[w]); });
     for (Work& work : window) {
         work.result.stopped = work.stopped.has_value();
-        take(work.row, work.result);
+        take(work.row, std::move(work.result));
         if (work.stopped) throw Stop(*work.stopped);
     }
 }

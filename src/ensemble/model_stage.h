@@ -43,7 +43,7 @@ class ModelStage {
 
     // Gets data sets in order. One whose run stops is handed on as far as it came, and its Stop is
     // thrown then.
-    using Take = std::function<void(int d, const ModelledDataSet& modelled)>;
+    using Take = std::function<void(int d, ModelledDataSet&& modelled)>;
 
     // Data sets first .. first + count - 1; every call goes on where the one before ended.
     void run(int first, int count, const Take& take);

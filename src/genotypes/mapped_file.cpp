@@ -35,12 +35,6 @@ class Descriptor {
     input_error(path, 0, std::string("cannot be read (") + std::strerror(reason) + ')');
 }
 
-FileIdentity identity_of(const struct stat& status) {
-    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
-            static_cast<std::uint64_t>(status.st_size), status.st_mtim.tv_sec,
-            status.st_mtim.tv_nsec};
-}
-
 }  // namespace
 
 MappedFile::MappedFile(std::string path) : path_(std::move(path)) {
@@ -51,7 +45,7 @@ MappedFile::MappedFile(std::string path) : path_(std::move(path)) {
     if (!S_ISREG(status.st_mode)) {
         input_error(path_, 0, "is no regular file, which alone can be mapped");
     }
-    identity_ = identity_of(status);
+    size_ = static_cast<std::size_t>(status.st_size);
     if (size() == 0) return;
     void* const memory = ::mmap(nullptr, size(), PROT_READ, MAP_SHARED, file.number(), 0);
     if (memory == MAP_FAILED) fail(path_, errno);
@@ -61,11 +55,6 @@ MappedFile::MappedFile(std::string path) : path_(std::move(path)) {
 
 MappedFile::~MappedFile() {
     if (bytes_ != nullptr) ::munmap(const_cast<unsigned char*>(bytes_), size());
-}
-
-bool MappedFile::changed() const {
-    struct stat status {};
-    return ::stat(path_.c_str(), &status) != 0 || identity_of(status) != identity_;
 }
 
 }  // namespace vort

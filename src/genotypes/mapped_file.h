@@ -2,21 +2,9 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 namespace vort {
-
-// What tells a file from another one, and from its own later contents.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0;
-    std::uint64_t size = 0;
-    std::int64_t seconds = 0;  // of the last change
-    std::int64_t nanoseconds = 0;
-
-    bool operator==(const FileIdentity&) const = default;
-};
 
 // Maps a regular file for reading, mostly from its beginning to its end; nothing is copied. The
 // file must not become shorter while it is mapped.
@@ -30,15 +18,11 @@ class MappedFile {
 
     const std::string& path() const { return path_; }
     const unsigned char* bytes() const { return bytes_; }  // null where the file is empty
-    std::size_t size() const { return static_cast<std::size_t>(identity_.size); }
-    const FileIdentity& identity() const { return identity_; }
-
-    // Whether the path now leads to something else than what was mapped.
-    bool changed() const;
+    std::size_t size() const { return size_; }
 
   private:
     std::string path_;
-    FileIdentity identity_;
+    std::size_t size_ = 0;
     const unsigned char* bytes_ = nullptr;
 };
 
