@@ -176,10 +176,18 @@ ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
         (*ranked)[j] = {minima[j], static_cast<int>(j) + 1};
     }
     const std::size_t kept = std::min(markers(), static_cast<std::size_t>(options_.kept));
-    const bool whole = options_.transcript || !options_.fdr_report.empty();
+    const bool rank_all = options_.rank_all && first + d == 0;
+    const bool whole = options_.transcript || rank_all || !options_.fdr_report.empty();
     sort_keyed(*ranked, whole ? markers() : std::max<std::size_t>(kept, 1));
+    out.pvalues = minima;
     if (markers() > 0) out.smallest_pvalue = ranked->front().key;
-    for (std::size_t k = 0; k < kept; ++k) out.best.push_back((*ranked)[k].index - 1);
+    const auto columns = [&](std::size_t count) {
+        std::vector<int> best(count);
+        for (std::size_t k = 0; k < count; ++k) best[k] = (*ranked)[k].index - 1;
+        return best;
+    };
+    out.best = columns(kept);
+    if (rank_all) out.ranking = columns(markers());
     if (options_.transcript) {
         *out.transcript << "time of pvalue " << batch.seconds() << '\n';
         print_lists(*out.transcript, batch.findings(d));
