@@ -25,7 +25,7 @@ EnsembleStage::EnsembleStage(const ScreenedStudy& study, const Settings& setting
       settings_(settings),
       options_(std::move(options)),
       models_(study.genotypes, study.phenotypes, study.best, settings.builder, options_.threads,
-              options_.transcript),
+              options_.transcript, options_.work),
       importance_(static_cast<std::size_t>(settings.builder.usable_markers()) + 1),
       selected_(static_cast<std::size_t>(std::max(settings.builder.markers + 1, 0))) {}
 

@@ -28,6 +28,8 @@ struct EnsembleOptions {
     // Gets the statistic of each data set d = 0, 1, 2, ... as it comes, and the number of base
     // learners in its model.
     std::function<void(int d, double statistic, int learners)> progress;
+    // Gets how many data sets have been worked on, parts included; from any thread, one at a time.
+    std::function<void(double data_sets)> work;
 };
 
 // What two intermediate files of an earlier form of the program held after the data set that was

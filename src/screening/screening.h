@@ -24,6 +24,9 @@ struct ScreeningOptions {
     bool rank_all = false;      // the observed data set's complete ranking
     double batch_bytes = 32e6;  // for the smallest p-values of a batch of data sets
 
+    // Gets how many data sets have been worked on, parts included; from any thread, one at a time.
+    std::function<void(double data_sets)> work;
+
     std::string fdr_report;       // path of the observed data set's FDR report; none where empty
     std::string prepared_prefix;  // of prepared files of the best markers; none where empty
 };

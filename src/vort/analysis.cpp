@@ -78,6 +78,7 @@ void Analysis::screen() {
     screening.transcript = options_.console;
     screening.kept = kept();
     screening.rank_all = options_.rank_all;
+    screening.work = [this](double done) { observer_.working(Stage::kScreening, done); };
     screening.batch_bytes =
         batch_bytes_for(study_.genotypes.individuals(), study_.genotypes.markers());
     if (options_.fdr_report) screening.fdr_report = options_.folder + "FDR_results.txt";
@@ -134,6 +135,7 @@ EnsembleOptions Analysis::ensemble_options() {
     ensemble.progress = [this](int d, double statistic, int learners) {
         observer_.modelled({d, settings_.builder.permutations + 1, statistic, learners});
     };
+    ensemble.work = [this](double done) { observer_.working(Stage::kModels, done); };
     return ensemble;
 }
 

@@ -40,6 +40,8 @@ struct ModelledView {
     int learners;      // base learners in the model
 };
 
+enum class Stage { kScreening, kModels };
+
 // What an analysis tells as it goes; none of it changes a result. Called in the order of the data
 // sets, from one thread at a time.
 class Observer {
@@ -47,6 +49,9 @@ class Observer {
     virtual ~Observer() = default;
 
     virtual void screened(const ScreenedView& /*screened*/) {}
+    // How many data sets have been worked on in a stage, parts included. From any thread, one at a
+    // time, also beside the others.
+    virtual void working(Stage /*stage*/, double /*data_sets*/) {}
     virtual void modelled(const ModelledView& /*modelled*/) {}
 };
 
