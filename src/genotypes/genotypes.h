@@ -57,6 +57,9 @@ class Genotypes {
     int individuals() const { return individuals_; }
     int markers() const { return markers_; }
 
+    // Whether the bytes are those of a file.
+    bool is_mapped() const { return file_ != nullptr; }
+
     // Bytes of a column.
     std::size_t stride() const { return stride_; }
 
