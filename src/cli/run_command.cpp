@@ -9,7 +9,7 @@
 #include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
-#include "genotypes/plink_files.h"
+#include "study/study_directory.h"
 #include "vort/analysis.h"
 
 namespace vort {
@@ -19,27 +19,11 @@ namespace {
 constexpr int kUnusableInput = 3;
 constexpr int kLackOfResources = 4;
 
-// The parameter file that describes the run, as a study directory would have it.
-std::string parameter_text(const RunOptions& options, int individuals, int markers) {
-    Transcript text(true);
-    text << "Inputfile\t\t\t\t\tdat1.txt\n"
-         << "Head\t\t\t\t\t\t\t1\n"
-         << "Recorder_num\t\t\t\t\t1\n"
-         << "Sample_size\t\t\t\t\t" << individuals << '\n'
-         << "Number_of_markers\t\t\t" << markers << '\n'
-         << "Symbol_of_missing_Gentype\t-1\n"
-         << "Max_retain\t\t\t\t\t" << options.max_retain << '\n'
-         << "FDR_cutoff_for_candidate_locus_combinations\t" << general(options.fdr) << '\n'
-         << "Number_of_permutation\t\t" << options.permutations << '\n'
-         << "How_many_imputation_to_deal_with_missing\t\t\t10\n"
-         << "Best_m\t\t\t\t\t\t" << options.best_m << '\n';
-    return std::string(text.text());
-}
-
 // A file's numbers go through single precision; the sizes of a study must not.
 Settings settings_for(const RunOptions& options, int individuals, int markers) {
-    Settings settings =
-        settings_of(parse_parameters(parameter_text(options, individuals, markers)));
+    Settings settings = settings_of(parse_parameters(
+        parameter_text({options.permutations, options.best_m, options.max_retain, options.fdr},
+                       individuals, markers)));
     settings.screening.individuals = individuals;
     settings.report.individuals = individuals;
     settings.builder.individuals = individuals;
@@ -99,8 +83,12 @@ void analyse_study(RunOptions options, Diagnostics& diagnostics) {
         throw InputError{options.out + ": another run is at work there; name another directory"};
     }
     require_no_results(options);
-    BedStudy bed =
-        load_bed(options.prefix + ".bed", options.prefix + ".bim", options.prefix + ".fam");
+    StudyRequest request;
+    request.files.bed = options.prefix + ".bed";
+    request.files.bim = options.prefix + ".bim";
+    request.files.fam = options.prefix + ".fam";
+    request.threads = options.threads;
+    Study bed = load_study(request);
     const int individuals = bed.genotypes.individuals();
     const int markers = bed.genotypes.markers();
     if (options.best_m > markers) {
