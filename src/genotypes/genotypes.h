@@ -85,6 +85,14 @@ class Genotypes {
         return {owned_.data() + static_cast<std::size_t>(j) * stride_, stride_};
     }
 
+    bool is_owned() const { return file_ == nullptr; }
+
+    // The bytes of owned genotypes, for whoever packs them anew.
+    LargeArray<unsigned char> take_columns() && { return std::move(owned_); }
+
+    // Columns first .. last-1 are not needed for a while: those of a file need not stay in memory.
+    void let_go(int first, int last) const;
+
   private:
     int individuals_ = 0;
     int markers_ = 0;
