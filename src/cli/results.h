@@ -9,7 +9,7 @@
 
 namespace vort {
 
-constexpr std::array<const char*, 12> kRunResults = {
+inline constexpr std::array kRunResults = {
     "P_value.txt",    "Final_result.txt", "console.txt",    "markers.tsv",
     "markers.tsv.gz", "permutations.tsv", "quantiles.tsv",  "model.json",
     "report.html",    "run.log",          "FDR_results.txt"};

@@ -180,12 +180,12 @@ void Run::analyse_data() {
 
 void Run::write_tables() {
     watch_.begin("tables and report");
-    std::vector<int> model;
-    for (const int rank : result_.markers) model.push_back(result_.columns[rank - 1]);
+    std::vector<int> selected;
+    for (const int rank : result_.markers) selected.push_back(result_.columns[rank - 1]);
     const MarkerRows rows(
         study_.markers,
         count_all_genotypes(data_.genotypes, PhenotypeRows(data_.phenotypes), options_.threads),
-        recorder_->record(), model);
+        recorder_->record(), selected);
     const ModelDescription description{.version = kVersion,
                                        .format = request_.files.format,
                                        .study = study_,

@@ -80,7 +80,7 @@ std::string significance(const ModelView& model) {
     if (!model.permuted()) return line("Overall p", "not available without permutations");
     if (!model.has_model) return line("Overall p", "1, since there is no model");
     return line("Overall p", p_text(model.p) + " (95 % interval " + p_text(model.p_low) + " to " +
-                                 p_text(model.p_high) + "): " + counted(model.not_weaker, "of") +
+                                 p_text(model.p_high) + "): " + counted(model.stronger, "of") +
                                  ' ' + grouped(model.permutations) +
                                  " permuted data sets gave a stronger model");
 }

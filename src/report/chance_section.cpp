@@ -105,10 +105,10 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
                                 decimal(view.T0, 4) + ".");
     }
     const auto [low, high] = std::minmax_element(permuted.begin(), permuted.end());
-    const std::string stronger = view.not_weaker == 0
+    const std::string stronger = view.stronger == 0
                                      ? "None of them reaches a stronger model than the study's"
-                                     : counted(view.not_weaker, "permuted data sets") +
-                                           (view.not_weaker == 1 ? " has" : " have") +
+                                     : counted(view.stronger, "permuted data sets") +
+                                           (view.stronger == 1 ? " has" : " have") +
                                            " a stronger model than the study";
     const std::string heard = "Histogram of T in " +
                               counted(long(permuted.size()), "permuted data sets") + ", from " +

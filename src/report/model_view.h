@@ -79,7 +79,7 @@ struct ModelView {
     bool has_model = false;
     double T0 = kUnknown;
     long permutations = 0;
-    long not_weaker = 0;
+    long stronger = 0;
     double p = kUnknown, p_plus_one = kUnknown, p_low = kUnknown, p_high = kUnknown;
 
     double intercept = kUnknown;

@@ -9,7 +9,7 @@ namespace {
 
 // p = 0 says no more than that it is below one in the number of data sets.
 std::string overall_p_text(const ModelView& view) {
-    if (view.not_weaker == 0) return "below 1 in " + grouped(view.permutations);
+    if (view.stronger == 0) return "below 1 in " + grouped(view.permutations);
     return p_text(view.p);
 }
 
@@ -47,7 +47,7 @@ std::string headline(const ModelView& view, long better) {
 }
 
 std::string interval_text(const ModelView& view) {
-    if (view.not_weaker == 0) return "95 % interval up to " + p_text(view.p_high);
+    if (view.stronger == 0) return "95 % interval up to " + p_text(view.p_high);
     return "95 % interval " + p_text(view.p_low) + " to " + p_text(view.p_high);
 }
 
@@ -88,7 +88,7 @@ std::string lede(const ModelView& view, long tied) {
                        "lede");
     }
     std::string html = "<p class=\"lede\"><strong>p " +
-                       escaped((view.not_weaker == 0 ? "" : "= ") + overall_p_text(view)) +
+                       escaped((view.stronger == 0 ? "" : "= ") + overall_p_text(view)) +
                        "</strong>, " + escaped(interval_text(view)) + ". " +
                        escaped(verdict(view)) + "</p>";
     std::string aside =
@@ -118,14 +118,14 @@ std::string numbers(const ModelView& view) {
     html += figure_item("Permuted data sets", grouped(view.permutations),
                         !view.has_model || !view.permuted()
                             ? ""
-                            : grouped(view.not_weaker) + " with a stronger model");
+                            : grouped(view.stronger) + " with a stronger model");
     if (view.has_model) {
         html += figure_item("Model", counted(long(view.learners.size()), "base learners"),
                             "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
                 "p, the study counted in", p_text(view.p_plus_one),
-                "(" + grouped(view.not_weaker) + " + 1) of " + grouped(view.permutations + 1));
+                "(" + grouped(view.stronger) + " + 1) of " + grouped(view.permutations + 1));
         }
     }
     return html + "</dl>";
@@ -172,7 +172,7 @@ std::string chart_figure(const std::string& id, const std::string& heard,
 
 void outcome_parts(const ModelView& view, std::span<const DataSetRow> data_sets, PageParts& parts) {
     const long tied = view.has_model ? ties(view, data_sets) : 0;
-    const std::string head = headline(view, view.permutations - view.not_weaker - tied);
+    const std::string head = headline(view, view.permutations - view.stronger - tied);
     const std::string name = study_name(view);
     parts["title"] = escaped(name.empty() ? head : name + ": " + head);
     parts["study"] = escaped(name);
