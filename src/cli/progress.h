@@ -47,7 +47,7 @@ class Progress : public Observer {
     Stage stage_ = Stage::kScreen;
     int stage_done_ = 0;
     int tenths_told_ = 0;
-    double told_at_ = -1;
+    double told_at_ = 0;  // a run shorter than a line is not told
     std::jthread ticker_;
 };
 
