@@ -165,8 +165,10 @@ int run_command(const Commands& commands) {
 }  // namespace
 
 int run_command_line(int argc, char** argv) {
-    // A reader that goes away costs the console text, not the reports.
+    // A reader that goes away costs the console text, not the reports; a file that may not grow is
+    // told as a full disk is.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     if (argc <= 1) return run_bare();
     Commands commands({argv, argv + argc});
     try {
