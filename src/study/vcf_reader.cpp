@@ -3,6 +3,7 @@
 #include <htslib/hts_log.h>
 #include <htslib/vcf.h>
 
+#include <algorithm>
 #include <unordered_map>
 
 #include "common/input_error.h"
@@ -52,12 +53,14 @@ class VcfFile {
         if (result == -1) return nullptr;
         ++records_;
         constexpr int kHarmless = BCF_ERR_CTG_UNDEF | BCF_ERR_TAG_UNDEF;
-        if (result < 0 || (record_->errcode & ~kHarmless) != 0) {
+        if (result < 0 || (record_->errcode & ~kHarmless) != 0 ||
+            record_->n_sample != samples().size()) {
             fail_record("cannot be read; a record of " +
                         counted(static_cast<long>(samples().size()), "individual", "individuals") +
                         " expected");
         }
         if (bcf_unpack(record_.get(), BCF_UN_STR) < 0) fail_record("cannot be read");
+        check_position();
         return record_.get();
     }
 
@@ -92,9 +95,8 @@ class VcfFile {
 
     // Of the record read last; lines are counted in text only.
     [[noreturn]] void fail_record(const std::string& what) const {
-        const long line =
-            hts_get_format(file_.get())->format == vcf ? static_cast<long>(file_->lineno) : 0;
-        input_error(path_, line, "record " + std::to_string(records_) + ' ' + what);
+        input_error(path_, is_text() ? static_cast<long>(file_->lineno) : 0,
+                    "record " + std::to_string(records_) + ' ' + what);
     }
 
   private:
@@ -102,6 +104,19 @@ class VcfFile {
         const auto format = hts_get_format(file_.get())->format;
         return format == vcf || format == bcf;
     }
+    bool is_text() const { return hts_get_format(file_.get())->format == vcf; }
+
+    // A position that is no number has been read as 0; its word stands behind the contig's.
+    void check_position() const {
+        if (!is_text()) return;
+        const std::string_view line(file_->line.s, file_->line.l);
+        const std::string_view rest = line.substr(std::min(line.find('\0'), line.size() - 1) + 1);
+        const std::string_view word = rest.substr(0, rest.find('\0'));
+        long position = 0;
+        if (read_whole(word, position) && position == record_->pos + 1) return;
+        fail_record("has position " + std::string(word) + "; a whole number expected");
+    }
+
     std::string allele(int k) const { return k < record_->n_allele ? record_->d.allele[k] : "."; }
 
     std::string path_;
