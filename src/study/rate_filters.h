@@ -10,6 +10,10 @@
 //
 // A person without a phenotype counts in --mind, --geno and --maf. A marker that nobody has a
 // genotype of passes --hwe and --maf. Rates are compared with a tolerance of 2^-44 of the limit.
+//
+// One known difference: where a marker has only 2 or 3 heterozygotes, PLINK's --hwe leaves the
+// rarest outcome out of its sum (the p-value that its --hardy prints has it). So a marker whose
+// p-value is within a few per cent above the limit may be removed there and is kept here.
 #pragma once
 
 #include <vector>
