@@ -48,9 +48,9 @@ nlohmann::json quantile_columns(const std::vector<QuantileRow>& quantiles) {
 }
 
 std::string inflation_text(double lambda) {
-    std::string text = "Lambda GC of the additive test is " + decimal(lambda, 3) +
-                       ": its median chi-square, divided by the one expected without any "
-                       "association. ";
+    std::string text =
+        "This is the median chi-square of the additive test, divided by the one expected without "
+        "any association. ";
     if (lambda > 1.1) {
         return text +
                "Above 1.1 it suggests that cases and controls differ in ancestry or in how "
@@ -67,7 +67,8 @@ std::string inflation_text(double lambda) {
 std::string lambda_text(double lambda) {
     if (!std::isfinite(lambda))
         return element("p", "There is no lambda GC without a tested marker.");
-    return element("p", inflation_text(lambda));
+    return "<p class=\"big\"><small>Lambda GC of the additive test</small>" + decimal(lambda, 3) +
+           "</p>" + element("p", inflation_text(lambda));
 }
 
 std::string quantiles_html(const nlohmann::json& columns) {
@@ -106,7 +107,7 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
     }
     const auto [low, high] = std::minmax_element(permuted.begin(), permuted.end());
     const std::string stronger = view.not_weaker == 0
-                                     ? "None of them reaches a stronger model than the study's"
+                                     ? "None of them reaches a stronger model than the study\u2019s"
                                      : counted(view.not_weaker, "permuted data sets") +
                                            (view.not_weaker == 1 ? " has" : " have") +
                                            " a stronger model than the study";

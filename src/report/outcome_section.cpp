@@ -125,7 +125,7 @@ std::string numbers(const ModelView& view) {
         if (view.permuted()) {
             html += figure_item(
                 "p, the study counted in", p_text(view.p_plus_one),
-                "(" + grouped(view.not_weaker) + " + 1) of " + grouped(view.permutations + 1));
+                "(" + grouped(view.not_weaker) + " + 1) / " + grouped(view.permutations + 1));
         }
     }
     return html + "</dl>";

@@ -14,7 +14,7 @@ function quantileLines(columns, point) {
 function quantiles(box, data) {
   const columns = data.quantiles;
   const along = (name) => columns.expected.map((x, at) => ({ x, y: columns[name][at], at }));
-  const highest = Math.max(1, ...columns.expected, ...columns.low, ...columns.observed) * 1.03;
+  const highest = Math.ceil(Math.max(1, ...columns.expected, ...columns.low, ...columns.observed) + 0.1);
   const widest = Math.max(1, ...columns.expected) * 1.03;
   const edge = (name, fill) => ({
     data: along(name),
@@ -30,14 +30,14 @@ function quantiles(box, data) {
     min: 0,
     max,
     grid: { color: theme.colour("rule"), drawBorder: false },
-    ticks: { precision: 0, callback: (value) => (value === max ? "" : value) },
+    ticks: { precision: 0, includeBounds: false },
     title: { display: true, text },
   });
   return new Chart(box.querySelector("canvas"), {
     type: "scatter",
     data: {
       datasets: [
-        { data: along("observed"), backgroundColor: theme.colour("tone-a"), radius: 2.5, hoverRadius: 5, hitRadius: 5 },
+        { data: along("observed"), backgroundColor: theme.colour("tone-a"), borderWidth: 0, radius: 2.5, hoverRadius: 5, hitRadius: 5 },
         {
           data: [{ x: 0, y: 0 }, { x: widest, y: widest }],
           type: "line",

@@ -68,10 +68,11 @@ function genomeTicks(scale, places) {
   });
 }
 
-// Horizontal lines with their names at the right end; gives the boxes of the names.
+// Horizontal lines with their names at the right end; gives the boxes that both take.
 function referenceLines(chart, lines) {
   const { ctx, chartArea: area, scales } = chart;
   const boxes = [];
+  const names = [];
   ctx.save();
   ctx.font = `12px ${Chart.defaults.font.family}`;
   ctx.textAlign = "right";
@@ -85,10 +86,11 @@ function referenceLines(chart, lines) {
     ctx.moveTo(area.left, height);
     ctx.lineTo(area.right, height);
     ctx.stroke();
+    boxes.push(labels.box(area.left, height - 2, area.right - area.left, 4));
     const width = ctx.measureText(text).width;
     let box = labels.box(area.right - width - 4, height - 17, width + 4, 15);
-    if (boxes.some((other) => labels.overlap(box, other))) box = labels.box(box.left, height + 2, width + 4, 15);
-    boxes.push(box);
+    if (names.some((other) => labels.overlap(box, other))) box = labels.box(box.left, height + 2, width + 4, 15);
+    names.push(box);
     ctx.setLineDash([]);
     ctx.strokeStyle = theme.colour("page");
     ctx.lineWidth = 4;
@@ -96,7 +98,7 @@ function referenceLines(chart, lines) {
     ctx.fillText(text, area.right - 2, (box.top + box.bottom) / 2);
   }
   ctx.restore();
-  return boxes;
+  return [...boxes, ...names];
 }
 
 function manhattanLines(data) {
@@ -203,7 +205,7 @@ function manhattan(box, data, order) {
         },
         y: {
           min: 0,
-          max: top * 1.06 + 0.35,
+          max: Math.ceil(top + 0.4),
           grid: { color: theme.colour("rule"), drawBorder: false },
           ticks: { precision: 0, maxTicksLimit: 10 },
           title: { display: true, text: "\u2212log\u2081\u2080 p" },

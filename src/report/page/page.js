@@ -74,7 +74,6 @@
     }
   }
 
-  place("chartjs").textContent = Chart.version;
   if (data.markers) offerChromosomes();
   theme.follow(draw);
   draw();
