@@ -71,8 +71,9 @@ std::string lambda_text(double lambda) {
            "</p>" + element("p", inflation_text(lambda));
 }
 
-std::string quantiles_html(const nlohmann::json& columns) {
+std::string quantiles_html(const ModelView& view, const nlohmann::json& columns) {
     const std::size_t points = columns["rank"].size();
+    if (points == 0 && view.permuted()) return element("p", "No marker was tested.");
     if (points == 0) {
         return element("p",
                        "There is no plot: what to expect of the smallest of four p-values comes "
@@ -124,7 +125,7 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
 void chance_parts(const ModelView& view, std::span<const DataSetRow> data_sets,
                   std::span<const QuantileRow> quantiles, PageParts& parts, nlohmann::json& data) {
     data["quantiles"] = quantile_columns(drawn(quantiles));
-    parts["quantiles"] = quantiles_html(data["quantiles"]);
+    parts["quantiles"] = quantiles_html(view, data["quantiles"]);
     parts["lambda"] = lambda_text(view.lambda_gc);
 
     std::vector<double> permuted;

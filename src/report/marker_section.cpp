@@ -68,7 +68,7 @@ void MarkerSection::add(const MarkerRow& row) {
     if (row.rank > kTopMarkers) return;
     const auto place = std::find_if(top_.begin(), top_.end(),
                                     [&](const TopMarker& top) { return top.row.rank > row.rank; });
-    top_.insert(place, TopMarker{row, std::string(row.name), std::string(row.a1),
+    top_.insert(place, TopMarker{row, shortened(row.name, kLongestName), std::string(row.a1),
                                  std::string(row.a2), std::string(row.model)});
 }
 

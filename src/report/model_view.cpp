@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "common/input_error.h"
+#include "report/wording.h"
 
 namespace vort {
 namespace {
@@ -22,8 +23,12 @@ const json& part(const json& from, const char* key) {
 }
 
 Locus read_locus(const json& from) {
-    return {from.at("name"), from.at("chromosome"), from.at("position"),
-            from.at("a1"),   from.at("a2"),         from.at("rank")};
+    return {shortened(from.at("name").get<std::string>(), kLongestName),
+            from.at("chromosome"),
+            from.at("position"),
+            from.at("a1"),
+            from.at("a2"),
+            from.at("rank")};
 }
 
 std::vector<Locus> read_loci(const json& from) {
@@ -58,7 +63,8 @@ std::vector<Locus> loci_of_set(const json& set, const std::vector<Learner>& lear
         if (learner.marker_set == id) return learner.markers;
     }
     std::vector<Locus> loci;
-    for (const json& name : set.at("markers")) loci.emplace_back().name = name;
+    for (const json& name : set.at("markers"))
+        loci.emplace_back().name = shortened(name.get<std::string>(), kLongestName);
     return loci;
 }
 

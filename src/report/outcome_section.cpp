@@ -120,11 +120,11 @@ std::string numbers(const ModelView& view) {
                             ? ""
                             : grouped(view.not_weaker) + " with a stronger model");
     if (view.has_model) {
-        html += figure_item("Model", counted(long(view.learners.size()), "base learners"),
+        html += figure_item("Base learners in the model", grouped(long(view.learners.size())),
                             "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
-                "p, the study counted in", p_text(view.p_plus_one),
+                "p, counting the study too", p_text(view.p_plus_one),
                 "(" + grouped(view.not_weaker) + " + 1) / " + grouped(view.permutations + 1));
         }
     }

@@ -11,7 +11,7 @@ function genome(columns) {
     start += width + gap;
     return place;
   });
-  return { chromosomes, by: new Map(chromosomes.map((c) => [c.number, c])), range: { min: -gap, max: start } };
+  return { chromosomes, by: new Map(chromosomes.map((c) => [c.number, c])), range: { min: -3 * gap, max: start + 2 * gap } };
 }
 
 function decodedMarkers(columns, places) {
@@ -148,6 +148,7 @@ function manhattan(box, data, order) {
     radius: size,
     hoverRadius: size + 2,
     hitRadius: 4,
+    clip: { left: 0, right: 0, top: 8, bottom: 8 },
   });
   let placed = [];
 
