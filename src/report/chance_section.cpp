@@ -107,11 +107,12 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
                                 decimal(view.T0, 4) + ".");
     }
     const auto [low, high] = std::minmax_element(permuted.begin(), permuted.end());
-    const std::string stronger = view.not_weaker == 0
-                                     ? "None of them reaches a stronger model than the study\u2019s"
-                                     : counted(view.not_weaker, "permuted data sets") +
-                                           (view.not_weaker == 1 ? " has" : " have") +
-                                           " a stronger model than the study";
+    const std::string stronger =
+        view.not_weaker > 0
+            ? counted(view.not_weaker, "permuted data sets") +
+                  (view.not_weaker == 1 ? " has" : " have") + " a stronger model than the study"
+        : permuted.size() == 1 ? "The one permuted data set has no stronger model than the study"
+                               : "None of them has a stronger model than the study";
     const std::string heard = "Histogram of T in " +
                               counted(long(permuted.size()), "permuted data sets") + ", from " +
                               decimal(*low, 3) + " to " + decimal(*high, 3) +

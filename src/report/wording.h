@@ -1,7 +1,6 @@
 // Numbers and genotypes as a reader of plain sentences wants them.
 #pragma once
 
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
