@@ -10,7 +10,8 @@ namespace vort {
 namespace {
 
 constexpr std::size_t kBandPoints = 700;
-constexpr std::size_t kBandBytes = 30'000;  // less where names are long
+constexpr std::size_t kBytes = 1'000'000;       // of all points, where the page is thinned
+constexpr std::size_t kLeastBandBytes = 5'000;  // however many points are always kept
 constexpr std::size_t kLongestAlleleName = 24;
 
 std::size_t bytes_of(const MarkerPoint& point) {
@@ -65,7 +66,7 @@ void MarkerPoints::add(const MarkerRow& row) {
                       alleles,      model_letter(row.model),
                       row.in_model, row.p_min,
                       row.emp2,     shortened(row.name, kLongestName)};
-    if (!thin_ || row.in_model || row.p_min < kAlwaysKept) {
+    if (!thin_ || row.in_model || !(row.p_min >= kAlwaysKept)) {
         kept_.push_back(std::move(point));
     } else {
         add_to_band(bands_[band_of(row.p_min)], std::move(point));
@@ -76,7 +77,7 @@ void MarkerPoints::add_to_band(Band& band, MarkerPoint point) {
     if (band.seen++ % band.stride != 0) return;
     band.bytes += bytes_of(point);
     band.points.push_back(std::move(point));
-    if (band.points.size() <= 2 * kBandPoints && band.bytes <= 2 * kBandBytes) return;
+    if (band.points.size() <= 2 * kBandPoints) return;
 
     std::vector<MarkerPoint> half;
     band.bytes = 0;
@@ -88,10 +89,14 @@ void MarkerPoints::add_to_band(Band& band, MarkerPoint point) {
     band.stride *= 2;
 }
 
-std::vector<const MarkerPoint*> MarkerPoints::even_part(const Band& band) {
+std::vector<const MarkerPoint*> MarkerPoints::even_part(const Band& band) const {
+    std::size_t kept = 0;
+    for (const MarkerPoint& point : kept_) kept += bytes_of(point);
+    const std::size_t room =
+        std::max(kLeastBandBytes, (kBytes - std::min(kBytes, kept)) / bands_.size());
     const std::size_t all = band.points.size();
     std::size_t part = std::min(all, kBandPoints);
-    if (band.bytes > kBandBytes) part = std::min(part, all * kBandBytes / band.bytes);
+    if (band.bytes > room) part = std::min(part, all * room / band.bytes);
     std::vector<const MarkerPoint*> points;
     for (std::size_t i = 0; i < part; ++i) points.push_back(&band.points[i * all / part]);
     return points;

@@ -63,7 +63,7 @@ class MarkerPoints {
     };
 
     static void add_to_band(Band& band, MarkerPoint point);
-    static std::vector<const MarkerPoint*> even_part(const Band& band);
+    std::vector<const MarkerPoint*> even_part(const Band& band) const;
     std::vector<const MarkerPoint*> in_order() const;
 
     bool thin_;
