@@ -7,8 +7,9 @@
 file(READ "${PAGE}/template.html" page)
 file(READ "${PAGE}/page.css" style)
 file(READ "${CHARTJS}" chartjs)
+string(REGEX MATCH "v[0-9.]+" version "${chartjs}")
 set(script "")
-foreach(name theme words tooltip zoom labels manhattan chance bars page)
+foreach(name theme words tooltip zoom labels genome manhattan chance bars page)
   file(READ "${PAGE}/${name}.js" text)
   string(APPEND script "${text}")
 endforeach()
@@ -48,6 +49,10 @@ std::string page_template() {
     std::string page;
     for (const std::string_view piece : kPieces) page += piece;
     return page;
+}
+
+std::string chartjs_version() {
+    return std::string(\"${version}\").erase(0, 1);
 }
 
 }  // namespace vort

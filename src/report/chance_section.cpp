@@ -48,9 +48,9 @@ nlohmann::json quantile_columns(const std::vector<QuantileRow>& quantiles) {
 }
 
 std::string inflation_text(double lambda) {
-    std::string text = "Lambda GC of the additive test is " + decimal(lambda, 3) +
-                       ": its median chi-square, divided by the one expected without any "
-                       "association. ";
+    std::string text =
+        "This is the median chi-square of the additive test, divided by the one expected without "
+        "any association. ";
     if (lambda > 1.1) {
         return text +
                "Above 1.1 it suggests that cases and controls differ in ancestry or in how "
@@ -67,11 +67,13 @@ std::string inflation_text(double lambda) {
 std::string lambda_text(double lambda) {
     if (!std::isfinite(lambda))
         return element("p", "There is no lambda GC without a tested marker.");
-    return element("p", inflation_text(lambda));
+    return "<p class=\"big\"><small>Lambda GC of the additive test</small>" + decimal(lambda, 3) +
+           "</p>" + element("p", inflation_text(lambda));
 }
 
-std::string quantiles_html(const nlohmann::json& columns) {
+std::string quantiles_html(const ModelView& view, const nlohmann::json& columns) {
     const std::size_t points = columns["rank"].size();
+    if (points == 0 && view.permuted()) return element("p", "No marker was tested.");
     if (points == 0) {
         return element("p",
                        "There is no plot: what to expect of the smallest of four p-values comes "
@@ -105,11 +107,12 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
                                 decimal(view.T0, 4) + ".");
     }
     const auto [low, high] = std::minmax_element(permuted.begin(), permuted.end());
-    const std::string stronger = view.stronger == 0
-                                     ? "None of them reaches a stronger model than the study's"
-                                     : counted(view.stronger, "permuted data sets") +
-                                           (view.stronger == 1 ? " has" : " have") +
-                                           " a stronger model than the study";
+    const std::string stronger =
+        view.stronger > 0
+            ? counted(view.stronger, "permuted data sets") +
+                  (view.stronger == 1 ? " has" : " have") + " a stronger model than the study"
+        : permuted.size() == 1 ? "The one permuted data set has no stronger model than the study"
+                               : "None of them has a stronger model than the study";
     const std::string heard = "Histogram of T in " +
                               counted(long(permuted.size()), "permuted data sets") + ", from " +
                               decimal(*low, 3) + " to " + decimal(*high, 3) +
@@ -123,7 +126,7 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
 void chance_parts(const ModelView& view, std::span<const DataSetRow> data_sets,
                   std::span<const QuantileRow> quantiles, PageParts& parts, nlohmann::json& data) {
     data["quantiles"] = quantile_columns(drawn(quantiles));
-    parts["quantiles"] = quantiles_html(data["quantiles"]);
+    parts["quantiles"] = quantiles_html(view, data["quantiles"]);
     parts["lambda"] = lambda_text(view.lambda_gc);
 
     std::vector<double> permuted;

@@ -51,4 +51,38 @@ std::string element(std::string_view tag, std::string_view text, std::string_vie
     return out.append(">").append(escaped(text)).append("</").append(tag).append(">");
 }
 
+RowTable::RowTable(const std::string& caption, std::vector<Column> columns)
+    : columns_(std::move(columns)) {
+    html_ = "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"" +
+            escaped(caption) + "\"><table class=\"rows\">" + element("caption", caption) +
+            "<thead><tr>";
+    for (const Column& column : columns_) {
+        html_ += "<th scope=\"col\"" +
+                 std::string(column.kind == Kind::kNumber ? " class=\"number\">" : ">") +
+                 escaped(column.title) + "</th>";
+    }
+    html_ += "</tr></thead><tbody>";
+}
+
+void RowTable::add(const std::vector<std::string>& cells) {
+    html_ += "<tr>";
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        switch (columns_.at(i).kind) {
+            case Kind::kText:
+                html_ += element("td", cells[i]);
+                break;
+            case Kind::kWords:
+                html_ += element("td", cells[i], "words");
+                break;
+            case Kind::kNumber:
+                html_ += element("td", cells[i], "number");
+                break;
+            case Kind::kHead:
+                html_ += "<th scope=\"row\">" + escaped(cells[i]) + "</th>";
+                break;
+        }
+    }
+    html_ += "</tr>";
+}
+
 }  // namespace vort

@@ -7,6 +7,7 @@
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vort {
 
@@ -19,5 +20,24 @@ std::string json_for_script(const nlohmann::json& value);
 
 // <tag class="name">text</tag>, the text escaped.
 std::string element(std::string_view tag, std::string_view text, std::string_view name = {});
+
+// A table of rows in a box of its own that scrolls where the page is narrow.
+class RowTable {
+  public:
+    enum class Kind { kText, kWords, kHead, kNumber };  // kWords may wrap, kHead names the row
+    struct Column {
+        const char* title;
+        Kind kind = Kind::kText;
+    };
+
+    RowTable(const std::string& caption, std::vector<Column> columns);
+
+    void add(const std::vector<std::string>& cells);  // texts, one for each column
+    std::string html() const { return html_ + "</tbody></table></div>"; }
+
+  private:
+    std::vector<Column> columns_;
+    std::string html_;
+};
 
 }  // namespace vort

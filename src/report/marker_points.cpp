@@ -9,9 +9,9 @@
 namespace vort {
 namespace {
 
-constexpr std::size_t kBandPoints = 10'000;
-constexpr std::size_t kBandBytes = 250'000;
-constexpr std::size_t kLongestName = 200;
+constexpr std::size_t kBandPoints = 700;
+constexpr std::size_t kBytes = 1'000'000;       // of all points, where the page is thinned
+constexpr std::size_t kLeastBandBytes = 5'000;  // however many points are always kept
 constexpr std::size_t kLongestAlleleName = 24;
 
 std::size_t bytes_of(const MarkerPoint& point) {
@@ -35,6 +35,10 @@ int p_code(double p) {
 
 char model_letter(std::string_view model) {
     return model.empty() ? '-' : model.front();  // ADD, DOM, REC, GENO
+}
+
+std::size_t band_of(double p) {
+    return std::size_t(std::clamp(-10 * std::log10(p), 0.0, 29.0));
 }
 
 double three_digits(double value) {
@@ -62,21 +66,19 @@ void MarkerPoints::add(const MarkerRow& row) {
                       alleles,      model_letter(row.model),
                       row.in_model, row.p_min,
                       row.emp2,     shortened(row.name, kLongestName)};
-    if (!thin_ || row.in_model || row.p_min < kAlwaysKept) {
+    if (!thin_ || row.in_model || !(row.p_min >= kAlwaysKept)) {
         kept_.push_back(std::move(point));
     } else {
-        add_to_band(bands_[row.p_min < 0.01 ? 0 : row.p_min < 0.1 ? 1 : 2], std::move(point));
+        add_to_band(bands_[band_of(row.p_min)], std::move(point));
     }
 }
 
-void MarkerPoints::add_to_band(Band& band, MarkerPoint point) const {
+void MarkerPoints::add_to_band(Band& band, MarkerPoint point) {
     if (band.seen++ % band.stride != 0) return;
     band.bytes += bytes_of(point);
     band.points.push_back(std::move(point));
-    if (band.points.size() > kBandPoints || band.bytes > kBandBytes) halve(band);
-}
+    if (band.points.size() <= 2 * kBandPoints) return;
 
-void MarkerPoints::halve(Band& band) {
     std::vector<MarkerPoint> half;
     band.bytes = 0;
     for (std::size_t i = 0; i < band.points.size(); i += 2) {
@@ -87,9 +89,22 @@ void MarkerPoints::halve(Band& band) {
     band.stride *= 2;
 }
 
+std::vector<const MarkerPoint*> MarkerPoints::even_part(const Band& band) const {
+    std::size_t kept = 0;
+    for (const MarkerPoint& point : kept_) kept += bytes_of(point);
+    const std::size_t room =
+        std::max(kLeastBandBytes, (kBytes - std::min(kBytes, kept)) / bands_.size());
+    const std::size_t all = band.points.size();
+    std::size_t part = std::min(all, kBandPoints);
+    if (band.bytes > room) part = std::min(part, all * room / band.bytes);
+    std::vector<const MarkerPoint*> points;
+    for (std::size_t i = 0; i < part; ++i) points.push_back(&band.points[i * all / part]);
+    return points;
+}
+
 long MarkerPoints::shown() const {
     std::size_t shown = kept_.size();
-    for (const Band& band : bands_) shown += band.points.size();
+    for (const Band& band : bands_) shown += even_part(band).size();
     return long(shown);
 }
 
@@ -97,7 +112,8 @@ std::vector<const MarkerPoint*> MarkerPoints::in_order() const {
     std::vector<const MarkerPoint*> points;
     for (const MarkerPoint& point : kept_) points.push_back(&point);
     for (const Band& band : bands_) {
-        for (const MarkerPoint& point : band.points) points.push_back(&point);
+        const std::vector<const MarkerPoint*> part = even_part(band);
+        points.insert(points.end(), part.begin(), part.end());
     }
     std::sort(points.begin(), points.end(),
               [](const auto* a, const auto* b) { return a->order < b->order; });

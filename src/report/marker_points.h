@@ -1,13 +1,12 @@
 // The points of the Manhattan plot: all markers of a small study, an even part of a large one's.
 //
-// From more than 50,000 markers on, the points with p >= 0.001 are thinned while they come, in
-// three bands of p. A band keeps every s-th marker in the order of the genome. Whenever it is full
-// (10,000 points, or 250,000 bytes of text), every second one goes and s doubles, so what stays is
-// always every s-th of all that came: spread evenly over the genome, and each band dense enough to
-// look full where a single stride would leave the upper ones bare. Points with p < 0.001 and those
-// of the model are never left out.
+// Of more than 50,000 markers the points with p >= 0.001 are thinned while they come, in 30 bands
+// of a tenth of a power of ten. A band keeps every s-th marker in the order of the genome; when it
+// is full, every second one goes and s doubles. At the end at most 700 of a band stay, evenly
+// spaced among those, so that all bands are equally dense where a single share for all of them
+// would leave the upper ones bare. Points with p < 0.001 and those of the model are never left out.
 //
-// Memory: 30,000 points and those that always stay.
+// Memory: 42,000 points and those that always stay.
 #pragma once
 
 #include <array>
@@ -63,14 +62,14 @@ class MarkerPoints {
         long first = 0, last = 0, markers = 0;
     };
 
-    void add_to_band(Band& band, MarkerPoint point) const;
-    static void halve(Band& band);
+    static void add_to_band(Band& band, MarkerPoint point);
+    std::vector<const MarkerPoint*> even_part(const Band& band) const;
     std::vector<const MarkerPoint*> in_order() const;
 
     bool thin_;
     long seen_ = 0;
     std::vector<MarkerPoint> kept_;  // always
-    std::array<Band, 3> bands_;      // p in [0.001, 0.01), [0.01, 0.1), [0.1, 1]
+    std::array<Band, 30> bands_;     // of -log10 p in tenths, from 0
     std::map<std::string, int> allele_pairs_;
     std::map<int, Extent> extents_;  // of all markers, by chromosome
 };

@@ -11,14 +11,6 @@ namespace {
 constexpr int kTopMarkers = 10;
 constexpr double kGenomeWide = 5e-8;
 
-std::string cell(const std::string& text) {
-    return element("td", text);
-}
-
-std::string number_cell(const std::string& text) {
-    return element("td", text, "number");
-}
-
 std::string model_name(const std::string& model) {
     if (model == "ADD") return "additive";
     if (model == "DOM") return "dominant";
@@ -76,38 +68,42 @@ void MarkerSection::add(const MarkerRow& row) {
     if (row.rank > kTopMarkers) return;
     const auto place = std::find_if(top_.begin(), top_.end(),
                                     [&](const TopMarker& top) { return top.row.rank > row.rank; });
-    top_.insert(place, TopMarker{row, std::string(row.name), std::string(row.a1),
+    top_.insert(place, TopMarker{row, shortened(row.name, kLongestName), std::string(row.a1),
                                  std::string(row.a2), std::string(row.model)});
 }
 
 std::string MarkerSection::table(const ModelView& view) const {
     if (top_.empty()) return {};
-    std::string html =
-        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Best markers\">"
-        "<table class=\"rows\"><caption>" +
-        std::string(top_.size() == 1 ? "The best marker" : "The best markers") +
-        "</caption><thead><tr><th scope=\"col\" class=\"number\">Rank</th><th "
-        "scope=\"col\">Marker</th><th scope=\"col\" class=\"number\">Chromosome</th><th "
-        "scope=\"col\" class=\"number\">Position</th><th scope=\"col\">A1 / A2</th><th "
-        "scope=\"col\">Smallest under</th><th scope=\"col\" class=\"number\">p</th><th "
-        "scope=\"col\" class=\"number\">EMP2</th><th scope=\"col\">In the model</th></tr></thead>"
-        "<tbody>";
+    using Kind = RowTable::Kind;
+    RowTable table(top_.size() == 1 ? "The best marker" : "The best markers",
+                   {{"Rank", Kind::kNumber},
+                    {"Marker", Kind::kHead},
+                    {"p", Kind::kNumber},
+                    {"EMP2", Kind::kNumber},
+                    {"Smallest under"},
+                    {"Chromosome", Kind::kNumber},
+                    {"Position", Kind::kNumber},
+                    {"A1, A2"},
+                    {"In the model"}});
     for (const TopMarker& top : top_) {
         const MarkerRow& row = top.row;
-        html += "<tr>" + number_cell(grouped(row.rank)) + "<th scope=\"row\">" + escaped(top.name) +
-                "</th>" + number_cell(chromosome_name(row.chromosome)) +
-                number_cell(grouped(row.position)) +
-                cell(shortened(top.a1, 16) + " / " + shortened(top.a2, 16)) +
-                cell(model_name(top.model)) + number_cell(p_text(row.p_min)) +
-                number_cell(view.permuted() ? p_text(row.emp2) : "\u2013") +
-                cell(row.in_model ? "yes" : "") + "</tr>";
+        table.add({grouped(row.rank), top.name, p_text(row.p_min),
+                   view.permuted() ? p_text(row.emp2) : "\u2013", model_name(top.model),
+                   chromosome_name(row.chromosome), grouped(row.position),
+                   shortened(top.a1, 16) + ", " + shortened(top.a2, 16),
+                   row.in_model ? "yes" : ""});
     }
-    return html + "</tbody></table></div>";
+    return table.html();
 }
 
 std::string MarkerSection::note(const ModelView& view) const {
-    std::string text = counted(genome_wide_, "markers") + " at or below 5e-8";
-    if (view.permuted()) text += ", " + grouped(study_wide_) + " with EMP2 at most 0.05";
+    const auto markers = [](long number, const std::string& verbs) {
+        const std::size_t bar = verbs.find('|');
+        return counted(number, "markers") + " " +
+               (number == 1 ? verbs.substr(0, bar) : verbs.substr(bar + 1));
+    };
+    std::string text = markers(genome_wide_, "reaches|reach") + " p = 5e-8";
+    if (view.permuted()) text += "; " + markers(study_wide_, "has|have") + " EMP2 at most 0.05";
     text[0] = text[0] == 'n' ? 'N' : text[0];
     text += ".";
     if (points_.thinned()) {

@@ -1,6 +1,7 @@
 #include <array>
 
 #include "report/html.h"
+#include "report/page_template.h"
 #include "report/sections.h"
 #include "report/wording.h"
 
@@ -35,29 +36,20 @@ std::string meaning(const std::array<Meaning, N>& of, const std::string& name) {
     return "";
 }
 
-std::string row(const std::string& name, const std::string& value, const std::string& text) {
-    return "<tr>" + ("<th scope=\"row\">" + escaped(name) + "</th>") +
-           element("td", value, "value") + element("td", text) + "</tr>";
-}
-
 }  // namespace
 
 void method_parts(const ModelView& view, PageParts& parts) {
-    std::string html =
-        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Parameters and "
-        "versions\"><table class=\"rows\"><caption>Parameters and versions</caption><thead><tr>"
-        "<th scope=\"col\">Name</th><th scope=\"col\">Value</th><th scope=\"col\">Meaning</th>"
-        "</tr></thead><tbody>";
+    using Kind = RowTable::Kind;
+    RowTable table("Parameters and versions",
+                   {{"Name", Kind::kHead}, {"Value", Kind::kWords}, {"Meaning", Kind::kWords}});
     for (const auto& [name, value] : view.parameters) {
-        html += row(name, value, meaning(kParameters, name));
+        table.add({name, value, meaning(kParameters, name)});
     }
-    for (const auto& [role, path] : view.files) html += row(role, path, "input file");
-    html += row("format", view.format, meaning(kFormats, view.format));
-    html += row("vort", view.version, "the program");
-    html +=
-        "<tr><th scope=\"row\">Chart.js</th><td class=\"value\" id=\"chartjs\"></td><td>the "
-        "charts</td></tr>";
-    parts["method"] = html + "</tbody></table></div>";
+    for (const auto& [role, path] : view.files) table.add({role, path, "input file"});
+    table.add({"format", view.format, meaning(kFormats, view.format)});
+    table.add({"vort", view.version, "the program"});
+    table.add({"Chart.js", chartjs_version(), "the charts"});
+    parts["method"] = table.html();
 }
 
 }  // namespace vort

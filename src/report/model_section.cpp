@@ -24,52 +24,44 @@ std::string signed_points(double difference) {
     return (difference > 0 ? "+" : "\u2212") + std::to_string(points);
 }
 
-std::string learner_row(const Learner& learner) {
-    const auto tally = [](const Tally& people) {
-        return element("td", grouped(people.cases) + " / " + grouped(people.controls), "number");
-    };
-    return "<tr><th scope=\"row\">X" + std::to_string(learner.id) + "</th>" +
-           element("td", rule_text(learner.markers, learner.cells)) +
-           element("td", signed_points(learner.risk_difference), "number") +
-           element("td",
-                   (learner.coefficient < 0 ? "\u2212" : "") +
-                       decimal(std::abs(learner.coefficient), 3),
-                   "number") +
-           tally(learner.inside) + tally(learner.outside) + "</tr>";
+std::string tally_text(const Tally& people) {
+    return grouped(people.cases) + " / " + grouped(people.controls);
 }
 
 std::string learner_table(const ModelView& view) {
-    std::string html =
-        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Base learners\">"
-        "<table class=\"rows wide\"><caption>Base learners</caption><thead><tr><th "
-        "scope=\"col\">&nbsp;</th><th scope=\"col\">Group of people</th><th scope=\"col\" "
-        "class=\"number\">Fitted risk, points</th><th scope=\"col\" "
-        "class=\"number\">Coefficient</th><th scope=\"col\" class=\"number\">Cases / controls in "
-        "it</th><th scope=\"col\" class=\"number\">Outside</th></tr></thead><tbody>";
-    for (const Learner& learner : view.learners) html += learner_row(learner);
-    return html + "</tbody></table></div>";
+    using Kind = RowTable::Kind;
+    RowTable table("Base learners", {{"", Kind::kHead},
+                                     {"Group of people", Kind::kWords},
+                                     {"Fitted risk, points", Kind::kNumber},
+                                     {"Coefficient", Kind::kNumber},
+                                     {"Cases / controls in it", Kind::kNumber},
+                                     {"Outside", Kind::kNumber}});
+    for (const Learner& learner : view.learners) {
+        table.add(
+            {"X" + std::to_string(learner.id), rule_text(learner.markers, learner.cells),
+             signed_points(learner.risk_difference),
+             (learner.coefficient < 0 ? "\u2212" : "") + decimal(std::abs(learner.coefficient), 3),
+             tally_text(learner.inside), tally_text(learner.outside)});
+    }
+    return table.html();
 }
 
 std::string marker_table(const ModelView& view) {
-    std::string html =
-        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Markers of the model\">"
-        "<table class=\"rows\"><caption>Markers of the model</caption><thead><tr><th "
-        "scope=\"col\">Marker</th><th scope=\"col\" class=\"number\">Importance</th><th "
-        "scope=\"col\" class=\"number\">Chromosome</th><th scope=\"col\" "
-        "class=\"number\">Position</th><th scope=\"col\" class=\"number\">Rank by itself</th><th "
-        "scope=\"col\" class=\"number\">p by itself</th><th scope=\"col\" "
-        "class=\"number\">EMP2</th></tr></thead><tbody>";
+    using Kind = RowTable::Kind;
+    RowTable table("Markers of the model", {{"Marker", Kind::kHead},
+                                            {"Importance", Kind::kNumber},
+                                            {"Rank by itself", Kind::kNumber},
+                                            {"p by itself", Kind::kNumber},
+                                            {"EMP2", Kind::kNumber},
+                                            {"Chromosome", Kind::kNumber},
+                                            {"Position", Kind::kNumber}});
     for (const WeighedMarker& marker : view.weighed) {
         const Locus& locus = marker.locus;
-        html += "<tr><th scope=\"row\">" + escaped(locus.name) + "</th>" +
-                element("td", decimal(marker.importance, 1) + "\u00a0%", "number") +
-                element("td", chromosome_name(locus.chromosome), "number") +
-                element("td", grouped(locus.position), "number") +
-                element("td", grouped(locus.rank), "number") +
-                element("td", p_text(marker.p_min), "number") +
-                element("td", view.permuted() ? p_text(marker.emp2) : "\u2013", "number") + "</tr>";
+        table.add({locus.name, decimal(marker.importance, 1) + "\u00a0%", grouped(locus.rank),
+                   p_text(marker.p_min), view.permuted() ? p_text(marker.emp2) : "\u2013",
+                   chromosome_name(locus.chromosome), grouped(locus.position)});
     }
-    return html + "</tbody></table></div>";
+    return table.html();
 }
 
 // One of nine steps of colour, by the difference from the study's share in points: "m4" to "p4".
@@ -93,8 +85,7 @@ class CellMap {
         std::string out = "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"" +
                           escaped("Genotypes at " + joined_names(set_.markers)) +
                           "\"><table class=\"cells\"><caption>" +
-                          escaped("Share of cases by genotype at " + joined_names(set_.markers)) +
-                          "; below it cases / controls</caption>" + head() + "<tbody>";
+                          "Share of cases, and cases / controls</caption>" + head() + "<tbody>";
         for (int row = 0; row < rows_; ++row) {
             out += "<tr>" + row_head(row);
             for (int column = 0; column < 3; ++column) out += cell(row, column);
@@ -113,16 +104,16 @@ class CellMap {
 
     std::string head() const {
         const Locus& across = set_.markers.back();
-        std::string out = "<thead><tr><td></td><th scope=\"colgroup\" colspan=\"3\">" +
-                          escaped(across.name) + "</th></tr><tr>";
-        out += rows_ == 3 ? "<th scope=\"col\">" + escaped(set_.markers.front().name) + "</th>"
-                          : "<td></td>";
+        std::string out = "<thead><tr>" + std::string(rows_ == 3 ? "<td></td>" : "") +
+                          "<th scope=\"colgroup\" colspan=\"3\">" + escaped(across.name) +
+                          "</th></tr><tr>";
+        if (rows_ == 3) out += "<th scope=\"col\">" + escaped(set_.markers.front().name) + "</th>";
         for (int copies = 0; copies < 3; ++copies) out += genotype_head(across, copies, "col");
         return out + "</tr></thead>";
     }
 
     std::string row_head(int row) const {
-        if (rows_ == 1) return "<th scope=\"row\">all</th>";
+        if (rows_ == 1) return {};
         return genotype_head(set_.markers.front(), row, "row");
     }
 
@@ -161,8 +152,7 @@ class CellMap {
             here.group == GenotypeCell::kNobody ? "" : element("i", group_label(here.group)) + " ";
         if (here.people.all() == 0) return open + label + element("span", "nobody") + "</td>";
         return open + label + element("b", share_text(here.people.cases, here.people.all())) + " " +
-               element("span", grouped(here.people.cases) + " / " + grouped(here.people.controls)) +
-               "</td>";
+               element("span", tally_text(here.people)) + "</td>";
     }
 
     const ShownSet& set_;
@@ -222,7 +212,7 @@ std::string scale(const ModelView& view) {
         "+30"};
     std::string html = "<p>" +
                        escaped(
-                           "Colours compare a cell's share of cases with that of the "
+                           "Colours compare a cell\u2019s share of cases with that of the "
                            "study, " +
                            share_text(view.cases, view.individuals) +
                            ". Heavy borders separate the groups into which the analysis "

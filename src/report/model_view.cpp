@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "common/input_error.h"
+#include "report/wording.h"
 
 namespace vort {
 namespace {
@@ -22,8 +23,12 @@ const json& part(const json& from, const char* key) {
 }
 
 Locus read_locus(const json& from) {
-    return {from.at("name"), from.at("chromosome"), from.at("position"),
-            from.at("a1"),   from.at("a2"),         from.at("rank")};
+    return {shortened(from.at("name").get<std::string>(), kLongestName),
+            from.at("chromosome"),
+            from.at("position"),
+            from.at("a1"),
+            from.at("a2"),
+            from.at("rank")};
 }
 
 std::vector<Locus> read_loci(const json& from) {
@@ -43,8 +48,8 @@ Learner read_learner(const json& from) {
     learner.markers = read_loci(from.at("markers"));
     learner.group = from.at("group");
     learner.cells = from.at("cells").get<std::vector<std::vector<int>>>();
-    learner.coefficient = number(from, "coefficient");
-    learner.risk_difference = number(from, "risk_difference");
+    learner.coefficient = from.at("coefficient");
+    learner.risk_difference = from.at("risk_difference");
     learner.inside = read_tally(from.at("inside"));
     learner.outside = read_tally(from.at("outside"));
     learner.missing = from.value("missing", 0);
@@ -58,7 +63,8 @@ std::vector<Locus> loci_of_set(const json& set, const std::vector<Learner>& lear
         if (learner.marker_set == id) return learner.markers;
     }
     std::vector<Locus> loci;
-    for (const json& name : set.at("markers")) loci.emplace_back().name = name;
+    for (const json& name : set.at("markers"))
+        loci.emplace_back().name = shortened(name.get<std::string>(), kLongestName);
     return loci;
 }
 
@@ -112,14 +118,14 @@ void read_result(const json& result, ModelView& view) {
 
 void read_model(const json& model, ModelView& view) {
     if (model.is_null()) return;
-    view.intercept = number(model, "intercept");
+    view.intercept = model.at("intercept");
     for (const json& each : model.at("base_learners")) view.learners.push_back(read_learner(each));
     for (const json& each : model.at("marker_sets")) {
         view.sets.push_back(read_set(each, view.learners));
     }
     for (const json& each : model.at("markers")) {
-        view.weighed.push_back({read_locus(each), number(each, "importance"), number(each, "p_min"),
-                                number(each, "emp2")});
+        view.weighed.push_back(
+            {read_locus(each), each.at("importance"), number(each, "p_min"), number(each, "emp2")});
     }
 }
 

@@ -120,12 +120,12 @@ std::string numbers(const ModelView& view) {
                             ? ""
                             : grouped(view.stronger) + " with a stronger model");
     if (view.has_model) {
-        html += figure_item("Model", counted(long(view.learners.size()), "base learners"),
+        html += figure_item("Base learners in the model", grouped(long(view.learners.size())),
                             "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
-                "p, the study counted in", p_text(view.p_plus_one),
-                "(" + grouped(view.stronger) + " + 1) of " + grouped(view.permutations + 1));
+                "p, counting the study too", p_text(view.p_plus_one),
+                "(" + grouped(view.stronger) + " + 1) / " + grouped(view.permutations + 1));
         }
     }
     return html + "</dl>";

@@ -8,4 +8,6 @@ namespace vort {
 // Holds marks <!--@name@--> where the parts of a study go.
 std::string page_template();
 
+std::string chartjs_version();  // "3.9.1"
+
 }  // namespace vort

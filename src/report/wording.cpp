@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstdio>
-#include <map>
 
 namespace vort {
 namespace {
-
-using Genotypes3 = std::set<int>;  // of 0, 1, 2 copies
 
 std::string printed(const char* format, int digits, double value) {
     std::array<char, 64> text{};
@@ -29,76 +27,88 @@ std::string counted_allele(const Locus& locus, bool plural) {
     return plural ? "copies of the counted allele" : "copy of the counted allele";
 }
 
-std::string genotypes_text(const Locus& locus, const Genotypes3& copies) {
-    struct Wording {
-        Genotypes3 copies;
-        const char* text;
-        bool plural;
-    };
-    static const std::array<Wording, 6> wordings = {{{{0}, "no ", false},
-                                                     {{1}, "one ", false},
-                                                     {{2}, "two ", true},
-                                                     {{1, 2}, "at least one ", false},
-                                                     {{0, 1}, "at most one ", false},
-                                                     {{0, 2}, "none or two ", true}}};
-    for (const Wording& wording : wordings) {
-        if (wording.copies == copies) {
-            return wording.text + counted_allele(locus, wording.plural) + " at " + locus.name;
-        }
-    }
-    return "any genotype at " + locus.name;
+// Sets of 0, 1, 2 copies are bits 0, 1, 2.
+constexpr int kAnyCopies = 7;
+
+std::string genotypes_text(const Locus& locus, int copies) {
+    static constexpr std::array<const char*, 7> kNumbers = {
+        "", "no ", "one ", "at most one ", "two ", "none or two ", "at least one "};
+    if (copies == kAnyCopies) return "any genotype at " + locus.name;
+    const bool plural = copies == 4 || copies == 5;
+    return kNumbers.at(copies) + counted_allele(locus, plural) + " at " + locus.name;
 }
 
+// Some copies of one marker together with some of the other; for a single marker, any of the other.
 struct Clause {
-    Genotypes3 first, second;  // the second is empty for a single marker
+    int first = 0;
+    int second = kAnyCopies;
+
+    int cells() const {  // bit 3 i + j: i copies of the first, j of the second
+        int bits = 0;
+        for (int i = 0; i < 3; ++i) bits |= (first >> i & 1) * (second << 3 * i);
+        return bits;
+    }
+    int parts() const { return (first != kAnyCopies) + (second != kAnyCopies); }
 };
 
-// The cells as few rectangles: rows with the same columns together, or columns with the same rows.
-std::vector<Clause> rectangles(const std::vector<std::vector<int>>& cells, bool by_rows) {
-    std::map<int, Genotypes3> of_line;
-    for (const auto& cell : cells) {
-        of_line[by_rows ? cell[0] : cell[1]].insert(by_rows ? cell[1] : cell[0]);
+// The fewest clauses whose cells are those of a group; of equally few those with the fewest parts,
+// then with the least overlap. Each step covers the first cell that is left, in every way.
+class ShortestRule {
+  public:
+    explicit ShortestRule(int group) : group_(group) { cover(group); }
+
+    const std::vector<Clause>& clauses() const { return best_; }
+
+  private:
+    static int length(const std::vector<Clause>& clauses) {
+        int parts = 0, cells = 0;
+        for (const Clause& clause : clauses) {
+            parts += clause.parts();
+            cells += std::popcount(unsigned(clause.cells()));
+        }
+        return (int(clauses.size()) * 100 + parts) * 100 + cells;
     }
-    std::vector<Clause> clauses;
-    for (const auto& [line, across] : of_line) {
-        const auto like = std::find_if(clauses.begin(), clauses.end(), [&](const Clause& clause) {
-            return (by_rows ? clause.second : clause.first) == across;
-        });
-        if (like != clauses.end()) {
-            (by_rows ? like->first : like->second).insert(line);
-        } else {
-            clauses.push_back(by_rows ? Clause{{line}, across} : Clause{across, {line}});
+
+    void cover(int left) {
+        if (!best_.empty() && length(now_) >= length(best_)) return;
+        if (left == 0) {
+            best_ = now_;
+            return;
+        }
+        for (int first = 1; first <= kAnyCopies; ++first) {
+            for (int second = 1; second <= kAnyCopies; ++second) {
+                const Clause clause{first, second};
+                const int cells = clause.cells();
+                if ((cells & ~group_) != 0 || (cells & left & -left) == 0) continue;
+                now_.push_back(clause);
+                cover(left & ~cells);
+                now_.pop_back();
+            }
         }
     }
-    return clauses;
-}
+
+    int group_;
+    std::vector<Clause> now_, best_;
+};
 
 std::vector<Clause> clauses_of(const std::vector<std::vector<int>>& cells, bool pair) {
-    if (!pair) {
-        Clause clause;
-        for (const auto& cell : cells) clause.first.insert(cell.at(0));
-        return {clause};
-    }
-    std::vector<Clause> rows = rectangles(cells, true);
-    std::vector<Clause> columns = rectangles(cells, false);
-    return columns.size() < rows.size() ? columns : rows;
+    int bits = 0;
+    for (const auto& cell : cells) bits |= 1 << (pair ? 3 * cell.at(0) + cell.at(1) : cell.at(0));
+    return pair ? ShortestRule(bits).clauses() : std::vector<Clause>{{bits}};
 }
 
-// Whoever has none of an allele carries nothing: such rules begin with "people with".
+// Whoever may have none of an allele need not carry it: such rules begin with "people with".
 bool is_of_carriers(const std::vector<Clause>& clauses) {
-    const auto has = [](const Genotypes3& set, int copies) { return set.count(copies) > 0; };
-    return std::none_of(clauses.begin(), clauses.end(), [&](const Clause& clause) {
-        return has(clause.first, 0) || has(clause.second, 0);
+    const auto carries = [](int copies) { return copies == kAnyCopies || (copies & 1) == 0; };
+    return std::all_of(clauses.begin(), clauses.end(), [&](const Clause& clause) {
+        return clause.parts() > 0 && carries(clause.first) && carries(clause.second);
     });
 }
 
 std::string clause_text(const Clause& clause, const std::vector<Locus>& markers,
                         const std::string& join) {
-    if (clause.second.empty()) return genotypes_text(markers[0], clause.first);
-    if (clause.first.size() == 3 && clause.second.size() < 3) {
-        return genotypes_text(markers[1], clause.second);
-    }
-    if (clause.second.size() == 3) return genotypes_text(markers[0], clause.first);
+    if (clause.second == kAnyCopies) return genotypes_text(markers[0], clause.first);
+    if (clause.first == kAnyCopies) return genotypes_text(markers[1], clause.second);
     return genotypes_text(markers[0], clause.first) + " and " + join +
            genotypes_text(markers[1], clause.second);
 }

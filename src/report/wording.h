@@ -1,7 +1,6 @@
 // Numbers and genotypes as a reader of plain sentences wants them.
 #pragma once
 
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +29,9 @@ std::string chromosome_name(int chromosome);
 
 // Cut to `longest` characters, of which the last is then an ellipsis.
 std::string shortened(std::string_view text, std::size_t longest);
+
+// Longer names are cut: the whole ones stand in markers.tsv.
+constexpr std::size_t kLongestName = 60;
 
 // "AG" for one copy of A1, or "A/GT" where an allele has several letters; empty where the study
 // does not name its alleles.

@@ -1,5 +1,7 @@
-// make_pages DIR: writes report pages of made-up studies, for the test in the browser.
+// make_pages DIR: writes report pages of made-up studies, for the test in the browser, and says of
+// each how many of its markers have p < 0.001.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <iostream>
@@ -26,6 +28,7 @@ struct Made {
     bool model = true;
     bool tested = true;
     bool hostile = false;
+    double T0 = 0.1790;
 };
 
 // A marker with its texts.
@@ -34,7 +37,7 @@ struct MadeMarker {
     MarkerRow row;
 };
 
-constexpr double kSeed = 20;
+constexpr int kSeed = 20;
 
 double uniform(std::mt19937_64& random) {
     return double(random() >> 11) / double(1ULL << 53);
@@ -46,7 +49,7 @@ double smallest_of_four(double u) {
 }
 
 std::vector<MadeMarker> make_markers(const Made& made) {
-    std::mt19937_64 random{static_cast<unsigned>(kSeed)};
+    std::mt19937_64 random(kSeed);
     std::vector<MadeMarker> markers(made.markers);
     static const std::array<const char*, 4> kModels = {"ADD", "DOM", "REC", "GENO"};
     for (long i = 0; i < made.markers; ++i) {
@@ -70,7 +73,7 @@ std::vector<MadeMarker> make_markers(const Made& made) {
 
 std::vector<DataSetRow> make_data_sets(const Made& made) {
     std::mt19937_64 random(7);
-    std::vector<DataSetRow> rows{{0, 0.1790, 1.18e-7, "rs", 10}};
+    std::vector<DataSetRow> rows{{0, made.T0, 1.18e-7, "rs", 10}};
     for (int k = 1; k <= made.permutations; ++k) {
         const double T = 0.1 + 0.05 * (uniform(random) + uniform(random) + uniform(random) - 1.4);
         const double p =
@@ -224,11 +227,12 @@ json make_results(const Made& made, std::vector<MadeMarker>& markers,
                    {"p", made.model ? json() : json(1)},
                    {"p_plus_one", nullptr},
                    {"p_interval", nullptr}};
-    if (made.model) result["T0"] = 0.1790;
+    if (made.model) result["T0"] = made.T0;
     if (made.model && B > 0) {
         result["p"] = double(stronger) / B;
         result["p_plus_one"] = double(stronger + 1) / (B + 1);
-        result["p_interval"] = {0.0, 0.0183};
+        const double p = double(stronger) / B, error = 1.96 * std::sqrt(p * (1 - p) / B);
+        result["p_interval"] = {p - error, stronger ? p + error : 1 - std::pow(0.025, 1 / B)};
     }
     const long dropped = made.tested ? std::min(4L, made.markers / 50) : made.markers;
     return {
@@ -264,6 +268,10 @@ void write_page(const std::string& path, const Made& made) {
     }
     std::vector<QuantileRow> quantiles;
     if (made.permutations > 0 && made.tested) quantiles = make_quantiles(markers);
+    const auto small = std::count_if(markers.begin(), markers.end(), [](const MadeMarker& marker) {
+        return marker.row.p_min < 1e-3;
+    });
+    std::cout << path << ": seed " << kSeed << ", " << small << " markers with p < 0.001\n";
     std::ofstream out(path, std::ios::binary);
     page.write(results, data_sets, quantiles, out);
 }
@@ -276,6 +284,7 @@ int main(int argc, char** argv) try {
     write_page(folder + "study.html", {});
     write_page(folder + "large.html", {.chromosomes = 26, .markers = 541'325});
     write_page(folder + "hostile.html", {.hostile = true});
+    write_page(folder + "weak.html", {.T0 = 0.12});
     write_page(folder + "no-model.html", {.model = false});
     write_page(folder + "no-permutations.html", {.permutations = 0});
     write_page(folder + "one-chromosome.html", {.chromosomes = 1, .permutations = 1});

@@ -19,37 +19,50 @@ function valuesAtEnds(text) {
   };
 }
 
+// With room for the texts at both ends, and no line but that at 0.
+function valueScale(values) {
+  const low = Math.min(0, ...values);
+  const high = Math.max(0, ...values);
+  const room = 0.2 * (high - low || 1);
+  const lineColour = ({ tick }) => (tick.value === 0 ? theme.colour("muted") : "transparent");
+  return {
+    min: low < 0 ? low - room : 0,
+    max: high > 0 ? high + room : 0,
+    ticks: { display: false },
+    grid: { drawBorder: false, drawTicks: false, color: lineColour },
+  };
+}
+
 // items: { label, value }; text(value) stands at the end of a bar, lines(item) in the tooltip.
 function bars(box, items, colourOf, text, lines) {
   box.style.height = 26 * items.length + 24 + "px";
   const values = items.map(({ value }) => value);
-  // Room for the texts at both ends.
-  const low = Math.min(0, ...values);
-  const high = Math.max(0, ...values);
-  const room = 0.2 * (high - low || 1);
   return new Chart(box.querySelector("canvas"), {
     type: "bar",
     data: {
       labels: items.map(({ label }) => words.shortened(label, 24)),
-      datasets: [{ data: values, backgroundColor: values.map((value) => theme.colour(colourOf(value))), barThickness: 16 }],
+      datasets: [
+        {
+          data: values,
+          backgroundColor: values.map((value) => theme.colour(colourOf(value))),
+          barThickness: 16,
+        },
+      ],
     },
     options: {
       indexAxis: "y",
       interaction: { mode: "nearest", axis: "y", intersect: false },
       scales: {
-        x: {
-          min: low < 0 ? low - room : 0,
-          max: high > 0 ? high + room : 0,
-          ticks: { display: false },
-          grid: {
-            drawBorder: false,
-            drawTicks: false,
-            color: ({ tick }) => (tick.value === 0 ? theme.colour("muted") : "transparent"),
-          },
+        x: valueScale(values),
+        y: {
+          grid: { display: false, drawBorder: false },
+          ticks: { autoSkip: false, color: theme.colour("ink") },
         },
-        y: { grid: { display: false, drawBorder: false }, ticks: { autoSkip: false, color: theme.colour("ink") } },
       },
-      plugins: { legend: { display: false }, tooltip: tooltip(box, (item) => lines(items[item.dataIndex])) },
+      plugins: {
+        legend: { display: false },
+        tooltip: tooltip(box, ({ dataIndex }) => lines(items[dataIndex])),
+      },
     },
     plugins: [valuesAtEnds(text)],
   });
@@ -57,7 +70,8 @@ function bars(box, items, colourOf, text, lines) {
 
 function coefficientBars(box, learners) {
   const text = (value) => (value < 0 ? "\u2212" : "") + Math.abs(value).toFixed(2);
-  return bars(box, learners, (value) => (value < 0 ? "fewer" : "more"), text, (item) => [
+  const colour = (value) => (value < 0 ? "fewer" : "more");
+  return bars(box, learners, colour, text, (item) => [
     `${item.label}: coefficient ${text(item.value)}`,
     item.markers,
     item.text,

@@ -1,65 +1,72 @@
 // What chance gives: quantiles of p against the permuted data sets, and their T.
 
-function quantileLines(columns, point) {
-  const p = (height) => words.p(10 ** -height);
-  const i = point.at;
+function quantileLines(columns, { at }) {
+  const p = (column) => words.p(10 ** -columns[column][at]);
   return [
-    `rank ${words.grouped(columns.rank[i])}`,
-    `observed p ${p(columns.observed[i])}`,
-    `expected p ${p(columns.expected[i])}`,
-    `in 95 % of permuted data sets ${p(columns.low[i])} to ${p(columns.high[i])}`,
+    `rank ${words.grouped(columns.rank[at])}`,
+    `observed p ${p("observed")}`,
+    `expected p ${p("expected")}`,
+    `in 95 % of permuted data sets ${p("low")} to ${p("high")}`,
   ];
 }
 
-function quantiles(box, data) {
-  const columns = data.quantiles;
+function quantileSets(columns, widest) {
   const along = (name) => columns.expected.map((x, at) => ({ x, y: columns[name][at], at }));
-  const highest = Math.max(1, ...columns.expected, ...columns.low, ...columns.observed) * 1.03;
-  const widest = Math.max(1, ...columns.expected) * 1.03;
+  const line = { type: "line", pointRadius: 0, pointHitRadius: 0 };
   const edge = (name, fill) => ({
+    ...line,
     data: along(name),
-    type: "line",
-    pointRadius: 0,
-    pointHitRadius: 0,
     borderWidth: 0,
     backgroundColor: theme.colour("band"),
     fill,
   });
+  const observed = {
+    data: along("observed"),
+    backgroundColor: theme.colour("tone-a"),
+    borderWidth: 0,
+    radius: 2.5,
+    hoverRadius: 5,
+    hitRadius: 5,
+  };
+  const diagonal = {
+    ...line,
+    data: [{ x: 0, y: 0 }, { x: widest, y: widest }],
+    borderWidth: 1,
+    borderColor: theme.colour("muted"),
+  };
+  return [observed, diagonal, edge("low", "+1"), edge("high", false)];
+}
+
+function quantiles(box, data) {
+  const columns = data.quantiles;
+  const { expected, observed, low } = columns;
+  const widest = Math.max(1, ...expected) * 1.03;
   const axis = (text, max) => ({
     type: "linear",
     min: 0,
     max,
     grid: { color: theme.colour("rule"), drawBorder: false },
-    ticks: { precision: 0, callback: (value) => (value === max ? "" : value) },
+    ticks: { precision: 0, includeBounds: false },
     title: { display: true, text },
   });
   return new Chart(box.querySelector("canvas"), {
     type: "scatter",
-    data: {
-      datasets: [
-        { data: along("observed"), backgroundColor: theme.colour("tone-a"), radius: 2.5, hoverRadius: 5, hitRadius: 5 },
-        {
-          data: [{ x: 0, y: 0 }, { x: widest, y: widest }],
-          type: "line",
-          pointRadius: 0,
-          pointHitRadius: 0,
-          borderWidth: 1,
-          borderColor: theme.colour("muted"),
-        },
-        edge("low", "+1"),
-        edge("high", false),
-      ],
-    },
+    data: { datasets: quantileSets(columns, widest) },
     options: {
       parsing: false,
       interaction: { mode: "nearest", intersect: true },
       scales: {
         x: axis("expected \u2212log\u2081\u2080 p, median of permuted data sets", widest),
-        y: axis("observed \u2212log\u2081\u2080 p", highest),
+        y: axis(
+          "observed \u2212log\u2081\u2080 p",
+          Math.ceil(Math.max(1, ...expected, ...low, ...observed) + 0.1)
+        ),
       },
       plugins: {
         legend: { display: false },
-        tooltip: tooltip(box, (item) => (item.datasetIndex === 0 ? quantileLines(columns, item.raw) : null)),
+        tooltip: tooltip(box, ({ datasetIndex, raw }) =>
+          datasetIndex === 0 ? quantileLines(columns, raw) : null
+        ),
       },
     },
   });
@@ -70,19 +77,21 @@ function quantiles(box, data) {
 function bins(values, mark) {
   const low = Math.min(mark, ...values);
   const high = Math.max(mark, ...values);
-  const wanted = Math.max(8, Math.min(40, Math.ceil(2 * Math.cbrt(values.length) * 1.5)));
+  const wanted = Math.max(8, Math.min(40, Math.ceil(3 * Math.cbrt(values.length))));
   const rough = (high - low) / wanted || 0.01;
   const power = 10 ** Math.floor(Math.log10(rough));
   const width = [1, 2, 5, 10].find((times) => times * power >= rough) * power;
+
   const before = Math.floor((mark - low) / width) + 1;
   const count = before + Math.max(1, Math.ceil((high - mark) / width));
-  const start = mark - before * width;
-  const made = Array.from({ length: count }, (_, i) => ({ from: start + i * width, to: start + (i + 1) * width, sets: 0 }));
+  const edge = (i) => mark + (i - before) * width;
+  const made = Array.from({ length: count }, (_, i) => ({ from: edge(i), to: edge(i + 1), sets: 0 }));
   for (const value of values) {
-    const step = value > mark ? before + Math.ceil((value - mark) / width) - 1 : before - 1 - Math.floor((mark - value) / width);
-    ++made[Math.max(0, Math.min(step, count - 1))].sets;
+    const steps = Math.abs(value - mark) / width;
+    const bin = before + (value > mark ? Math.ceil(steps) - 1 : -Math.floor(steps) - 1);
+    ++made[Math.max(0, Math.min(bin, count - 1))].sets;
   }
-  return made;
+  return { made, width };
 }
 
 function markOfStudy(mark) {
@@ -101,23 +110,44 @@ function markOfStudy(mark) {
       ctx.font = `600 13px ${Chart.defaults.font.family}`;
       ctx.textBaseline = "bottom";
       const width = ctx.measureText(text).width;
-      ctx.fillText(text, Math.max(area.left, Math.min(x - width / 2, area.right - width)), area.top - 5);
+      const left = Math.max(area.left, Math.min(x - width / 2, area.right - width));
+      ctx.fillText(text, left, area.top - 5);
       ctx.restore();
     },
   };
 }
 
+function histogramScales(first, last) {
+  return {
+    x: {
+      type: "linear",
+      offset: false,
+      min: first.from,
+      max: last.to,
+      grid: { display: false },
+      ticks: { includeBounds: false, maxRotation: 0, maxTicksLimit: 9 },
+      title: { display: true, text: "T, how much the best model explains" },
+    },
+    y: {
+      beginAtZero: true,
+      grid: { color: theme.colour("rule"), drawBorder: false },
+      ticks: { precision: 0, maxTicksLimit: 6 },
+      title: { display: true, text: "permuted data sets" },
+    },
+  };
+}
+
 function histogram(box, data) {
-  const made = bins(data.T, data.T0);
-  const width = made[0].to - made[0].from;
+  const { made, width } = bins(data.T, data.T0);
   const decimals = Math.max(0, Math.ceil(-Math.log10(width)) + 1);
+  const isStronger = (bin) => bin.from > data.T0 - width / 2;
   return new Chart(box.querySelector("canvas"), {
     type: "bar",
     data: {
       datasets: [
         {
           data: made.map((bin) => ({ x: (bin.from + bin.to) / 2, y: bin.sets, bin })),
-          backgroundColor: made.map((bin) => theme.colour(bin.from >= data.T0 - width / 2 ? "accent" : "tone-b")),
+          backgroundColor: made.map((bin) => theme.colour(isStronger(bin) ? "accent" : "tone-b")),
           barPercentage: 0.94,
           categoryPercentage: 1,
         },
@@ -127,23 +157,7 @@ function histogram(box, data) {
       parsing: false,
       layout: { padding: { top: 24 } },
       interaction: { mode: "nearest", axis: "x", intersect: false },
-      scales: {
-        x: {
-          type: "linear",
-          offset: false,
-          min: made[0].from,
-          max: made[made.length - 1].to,
-          grid: { display: false },
-          ticks: { includeBounds: false, maxRotation: 0, maxTicksLimit: 9 },
-          title: { display: true, text: "T, how much the best model explains" },
-        },
-        y: {
-          beginAtZero: true,
-          grid: { color: theme.colour("rule"), drawBorder: false },
-          ticks: { precision: 0, maxTicksLimit: 6 },
-          title: { display: true, text: "permuted data sets" },
-        },
-      },
+      scales: histogramScales(made[0], made[made.length - 1]),
       plugins: {
         legend: { display: false },
         tooltip: tooltip(box, ({ raw: { bin } }) => [

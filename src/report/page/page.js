@@ -3,45 +3,48 @@
 (() => {
   const data = JSON.parse(document.getElementById("data").textContent);
   const place = (id) => document.getElementById(id);
-  const report = (window.vortReport = { charts: {}, labels: () => [], range: null, whole: null });
+  const report = { charts: {}, labels: () => [], range: null, whole: null };
+  let plot = null;
   let zoomed = null;
+  window.vortReport = report;
 
   function defaults() {
-    Object.assign(Chart.defaults, { animation: false, responsive: true, maintainAspectRatio: false, normalized: true });
-    Chart.defaults.color = theme.colour("muted");
-    Chart.defaults.borderColor = theme.colour("rule");
+    Object.assign(Chart.defaults, {
+      animation: false,
+      responsive: true,
+      maintainAspectRatio: false,
+      normalized: true,
+      color: theme.colour("muted"),
+      borderColor: theme.colour("rule"),
+      devicePixelRatio: theme.onPaper() ? 3 : Math.max(devicePixelRatio, 1),
+    });
     Chart.defaults.font.family = theme.font();
     Chart.defaults.font.size = 12;
-    Chart.defaults.devicePixelRatio = theme.onPaper() ? 3 : Math.max(devicePixelRatio, 1);
+  }
+
+  // Controls, axis title and size of the dots follow what is in sight.
+  function settle(range) {
+    const { whole } = report;
+    const all = range.min <= whole.min && range.max >= whole.max;
+    const seen = inSight(plot.places, range);
+    const only = seen.length === 1 ? seen[0].number : null;
+    report.range = range;
+    place("reset").disabled = all;
+    place("region").value = only && !all ? only : "";
+    plot.chart.options.scales.x.title.text =
+      only === null ? "chromosome" : `position on chromosome ${words.chromosome(only)}`;
+    plot.resize(range);
   }
 
   function drawMarkers() {
     const order = data.model ? data.model.markers.map(({ label }) => label) : [];
-    const { chart, places, whole, labels: placed } = manhattan(place("manhattan"), data, order);
-    const part = report.range;
+    plot = manhattan(place("manhattan"), data, order);
+    report.labels = plot.labels;
+    report.whole = plot.places.range;
     if (zoomed) zoomed.end();
-    zoomed = zoom(chart, whole, (range) => settle(chart, places, whole, range));
-    report.labels = placed;
-    report.whole = whole;
-    settle(chart, places, whole, zoomed.range());
-    if (part && (part.min > whole.min || part.max < whole.max)) zoomed.show(part);
-    report.places = places;
-    return chart;
-  }
-
-  // Controls and axis title say what is in sight.
-  function settle(chart, places, whole, range) {
-    const all = range.min <= whole.min && range.max >= whole.max;
-    const inSight = places.chromosomes.filter((c) => c.end > range.min && c.start < range.max);
-    report.range = range;
-    place("reset").disabled = all;
-    const one = inSight.length === 1 && inSight[0];
-    place("region").value = one && !all ? one.number : "";
-    const title = one ? `position on chromosome ${words.chromosome(one.number)}` : "chromosome";
-    if (chart.options.scales.x.title.text !== title) {
-      chart.options.scales.x.title.text = title;
-      chart.update("none");
-    }
+    zoomed = zoom(plot.chart, report.whole, settle);
+    zoomed.show(report.range || report.whole);
+    return plot.chart;
   }
 
   function offerChromosomes() {
@@ -50,9 +53,10 @@
       region.add(new Option(`chromosome ${words.chromosome(number)}`, number));
     }
     region.addEventListener("change", () => {
-      const chosen = report.places.by.get(Number(region.value));
+      const chosen = plot.places.by.get(Number(region.value));
       const margin = chosen ? 0.02 * chosen.width : 0;
-      zoomed.show(chosen ? { min: chosen.start - margin, max: chosen.end + margin } : report.whole);
+      const part = chosen && { min: chosen.start - margin, max: chosen.end + margin };
+      zoomed.show(part || report.whole);
     });
     place("reset").addEventListener("click", () => zoomed.show(report.whole));
   }
@@ -74,9 +78,7 @@
     }
   }
 
-  place("chartjs").textContent = Chart.version;
   if (data.markers) offerChromosomes();
   theme.follow(draw);
   draw();
-  document.documentElement.dataset.drawn = Object.keys(report.charts).join(" ");
 })();

@@ -1,7 +1,7 @@
 // Drag across a chart to see that part of its x axis, double-click to see all of it.
 //
-// zoom(chart, whole, changed): `whole` is { min, max } of everything; changed(range) is called after
-// each change. Gives { show(range), range() }.
+// zoom(chart, whole, changed): `whole` is { min, max } of everything; changed(range) is called
+// before each change is drawn. Gives { show(range), range(), end() }.
 function zoom(chart, whole, changed) {
   const box = chart.canvas.parentElement;
   const leastDrag = 8;
@@ -16,8 +16,9 @@ function zoom(chart, whole, changed) {
     if (wanted.max - wanted.min < least) return;
     chart.options.scales.x.min = Math.max(wanted.min, whole.min);
     chart.options.scales.x.max = Math.min(wanted.max, whole.max);
+    const { min, max } = chart.options.scales.x;
+    changed({ min, max });
     chart.update("none");
-    changed(range());
   }
 
   function inside(event) {
@@ -28,7 +29,8 @@ function zoom(chart, whole, changed) {
 
   function paint(from, to) {
     const { top, bottom } = chart.chartArea;
-    brush.style.cssText = `left:${Math.min(from, to)}px;top:${top}px;width:${Math.abs(to - from)}px;height:${bottom - top}px`;
+    const sides = { left: Math.min(from, to), top, width: Math.abs(to - from), height: bottom - top };
+    for (const [side, length] of Object.entries(sides)) brush.style[side] = length + "px";
   }
 
   function stop() {
@@ -54,8 +56,8 @@ function zoom(chart, whole, changed) {
 
   function up(event) {
     if (begin !== null && brush) {
-      const ends = [begin, inside(event)].sort((a, b) => a - b).map((x) => scale().getValueForPixel(x));
-      show({ min: ends[0], max: ends[1] });
+      const ends = [begin, inside(event)].map((x) => scale().getValueForPixel(x));
+      show({ min: Math.min(...ends), max: Math.max(...ends) });
     }
     stop();
   }
