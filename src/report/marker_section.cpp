@@ -1,0 +1,147 @@
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "report/html.h"
+#include "report/sections.h"
+#include "report/wording.h"
+
+namespace vort {
+namespace {
+
+constexpr int kTopMarkers = 10;
+constexpr double kGenomeWide = 5e-8;
+
+std::string cell(const std::string& text) {
+    return element("td", text);
+}
+
+std::string number_cell(const std::string& text) {
+    return element("td", text, "number");
+}
+
+std::string model_name(const std::string& model) {
+    if (model == "ADD") return "additive";
+    if (model == "DOM") return "dominant";
+    if (model == "REC") return "recessive";
+    if (model == "GENO") return "genotype";
+    return "none";
+}
+
+std::string swatch(const std::string& kind, const std::string& text) {
+    return "<li><span class=\"key " + kind + "\" aria-hidden=\"true\"></span>" + escaped(text) +
+           "</li>";
+}
+
+std::string legend(const ModelView& view, std::optional<double> line, std::size_t data_sets) {
+    std::string html = "<ul class=\"legend\">";
+    if (!view.weighed.empty()) html += swatch("model", "marker of the model");
+    html += swatch("genome", "p = 5e-8, the customary genome-wide level");
+    if (line) {
+        html += swatch("study", "EMP2 = 0.05, reached at p = " + p_text(*line) +
+                                    ": one in twenty permuted data sets has a smaller p anywhere");
+    } else {
+        html += "<li>" +
+                escaped("No line at EMP2 = 0.05: that takes 19 permuted data sets, and there " +
+                        std::string(data_sets == 1 ? "is " : "are ") +
+                        (data_sets == 0 ? "none" : grouped(long(data_sets)))) +
+                "</li>";
+    }
+    return html + "</ul>";
+}
+
+std::vector<double> permuted_minima(std::span<const DataSetRow> data_sets) {
+    std::vector<double> minima;
+    for (const DataSetRow& row : data_sets) {
+        if (row.data_set > 0) minima.push_back(row.smallest_p);
+    }
+    std::sort(minima.begin(), minima.end());
+    return minima;
+}
+
+}  // namespace
+
+// EMP2 = (c + 1)/(B + 1) with c of the minima <= p; c may be (B + 1)/20 - 1 at most.
+std::optional<double> study_wide_p(std::span<const DataSetRow> data_sets) {
+    const std::vector<double> minima = permuted_minima(data_sets);
+    const std::size_t allowed = (minima.size() + 1) / 20;
+    if (allowed == 0) return std::nullopt;
+    return minima[allowed - 1];
+}
+
+void MarkerSection::add(const MarkerRow& row) {
+    points_.add(row);
+    if (row.dropped()) return;
+    genome_wide_ += row.p_min <= kGenomeWide;
+    study_wide_ += row.emp2 <= 0.05;
+    if (row.rank > kTopMarkers) return;
+    const auto place = std::find_if(top_.begin(), top_.end(),
+                                    [&](const TopMarker& top) { return top.row.rank > row.rank; });
+    top_.insert(place, TopMarker{row, std::string(row.name), std::string(row.a1),
+                                 std::string(row.a2), std::string(row.model)});
+}
+
+std::string MarkerSection::table(const ModelView& view) const {
+    if (top_.empty()) return {};
+    std::string html =
+        "<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"Best markers\">"
+        "<table class=\"rows\"><caption>" +
+        std::string(top_.size() == 1 ? "The best marker" : "The best markers") +
+        "</caption><thead><tr><th scope=\"col\" class=\"number\">Rank</th><th "
+        "scope=\"col\">Marker</th><th scope=\"col\" class=\"number\">Chromosome</th><th "
+        "scope=\"col\" class=\"number\">Position</th><th scope=\"col\">A1 / A2</th><th "
+        "scope=\"col\">Smallest under</th><th scope=\"col\" class=\"number\">p</th><th "
+        "scope=\"col\" class=\"number\">EMP2</th><th scope=\"col\">In the model</th></tr></thead>"
+        "<tbody>";
+    for (const TopMarker& top : top_) {
+        const MarkerRow& row = top.row;
+        html += "<tr>" + number_cell(grouped(row.rank)) + "<th scope=\"row\">" + escaped(top.name) +
+                "</th>" + number_cell(chromosome_name(row.chromosome)) +
+                number_cell(grouped(row.position)) +
+                cell(shortened(top.a1, 16) + " / " + shortened(top.a2, 16)) +
+                cell(model_name(top.model)) + number_cell(p_text(row.p_min)) +
+                number_cell(view.permuted() ? p_text(row.emp2) : "\u2013") +
+                cell(row.in_model ? "yes" : "") + "</tr>";
+    }
+    return html + "</tbody></table></div>";
+}
+
+std::string MarkerSection::note(const ModelView& view) const {
+    std::string text = counted(genome_wide_, "markers") + " at or below 5e-8";
+    if (view.permuted()) text += ", " + grouped(study_wide_) + " with EMP2 at most 0.05";
+    text[0] = text[0] == 'n' ? 'N' : text[0];
+    text += ".";
+    if (points_.thinned()) {
+        text += " Drawn are " + grouped(points_.shown()) + " of " + grouped(points_.seen()) +
+                " markers: every one with p below 0.001 and of the model, and of the others, "
+                "which would lie upon one another, an even part.";
+    }
+    return text;
+}
+
+void MarkerSection::parts(const ModelView& view, std::span<const DataSetRow> data_sets,
+                          PageParts& parts, nlohmann::json& data) const {
+    data["permuted"] = view.permuted();
+    if (points_.seen() == 0) {
+        parts["markers"] = element("p", "No marker was tested, so there is nothing to draw.");
+        return;
+    }
+    const std::optional<double> line = study_wide_p(data_sets);
+    const std::size_t permuted = permuted_minima(data_sets).size();
+    const TopMarker& best = top_.front();
+    const std::string heard = "Manhattan plot of " + counted(points_.seen(), "markers") + " on " +
+                              counted(points_.chromosomes(), "chromosomes") +
+                              ". The smallest p is " + p_text(best.row.p_min) + ", of " +
+                              best.name + " on chromosome " + chromosome_name(best.row.chromosome) +
+                              ". The best markers are in the table below.";
+    parts["markers"] =
+        "<p class=\"tools\"><label>Show <select id=\"region\"><option value=\"\">the whole "
+        "genome</option></select></label> <button type=\"button\" id=\"reset\">Show all</button> "
+        "<span class=\"hint\">Drag across the plot to zoom in, double-click to go "
+        "back.</span></p>" +
+        legend(view, line, permuted) + chart_figure("manhattan", heard, escaped(note(view))) +
+        table(view);
+    data["markers"] = points_.columns();
+    data["study_wide"] = line ? nlohmann::json(*line) : nlohmann::json();
+}
+
+}  // namespace vort
