@@ -25,7 +25,7 @@ std::unique_ptr<CohortReader> reader_for(const StudyRequest& request, Study& stu
         case StudyFormat::kVcf:
             return vcf_reader(request.files, request.threads, study);
         case StudyFormat::kRaw:
-            return raw_reader(request.files, request.threads, study);
+            return raw_reader(request.files, study);
         case StudyFormat::kDirectory:
             return directory_reader(request.files, request.threads, study);
     }
