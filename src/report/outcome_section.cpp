@@ -96,8 +96,8 @@ std::string markers_of_model(const ModelView& view) {
     std::string text = "Of its weight ";
     for (std::size_t i = 0; i < shares.size(); ++i) {
         if (i > 0) text += i + 1 == shares.size() ? " and " : ", ";
-        text +=
-            shares[i].first + (i == 0 ? " has\u00a0" : "\u00a0") + decimal(shares[i].second, 0) + "\u00a0%";
+        text += shares[i].first + (i == 0 ? " has\u00a0" : "\u00a0") +
+                decimal(shares[i].second, 0) + "\u00a0%";
     }
     return shares.empty() ? "" : text + ".";
 }
@@ -148,7 +148,7 @@ std::string numbers(const ModelView& view) {
                             : grouped(view.not_weaker) + " with a stronger model");
     if (view.has_model) {
         html += figure_item("Base learners", grouped(long(view.learners.size())),
-                            "in the model, on " + counted(long(view.weighed.size()), "markers"));
+                            "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
                 "p, study included", p_text(view.p_plus_one),

@@ -127,7 +127,7 @@ function histogramScales(first, last) {
       max: last.to,
       grid: { display: false },
       ticks: { includeBounds: false, maxRotation: 0, maxTicksLimit: 9 },
-      title: { display: true, text: "T, how much the best model explains" },
+      title: { display: true, text: "T of the model that was found" },
     },
     y: {
       beginAtZero: true,
