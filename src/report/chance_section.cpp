@@ -47,28 +47,34 @@ nlohmann::json quantile_columns(const std::vector<QuantileRow>& quantiles) {
             {"high", high}};
 }
 
-std::string inflation_text(double lambda) {
-    std::string text =
+constexpr long kFewMarkers = 1000;
+
+std::string inflation_text(const ModelView& view) {
+    const std::string text =
         "This is the median chi-square of the additive test, divided by the one expected without "
         "any association. ";
-    if (lambda > 1.1) {
-        return text +
-               "Above 1.1 it suggests that cases and controls differ in ancestry or in how "
-               "they were genotyped; see what not to conclude, below.";
+    if (view.markers < kFewMarkers) {
+        return text + "Of so few markers it can be far from 1 by chance alone.";
     }
-    if (lambda < 0.9) {
-        return text + "Below 0.9 it is lower than chance would make it in a study of many markers.";
+    if (view.lambda_gc > 1.1) {
+        return text +
+               "Above 1.1 it suggests that cases and controls differ in ancestry or in how they "
+               "were genotyped; see what not to conclude, below.";
+    }
+    if (view.lambda_gc < 0.9) {
+        return text + "Below 0.9 it is lower than chance makes it in a study of many markers.";
     }
     return text +
            "Near 1 nothing speaks for differences in ancestry or genotyping that run "
            "through all markers.";
 }
 
-std::string lambda_text(double lambda) {
-    if (!std::isfinite(lambda))
+std::string lambda_html(const ModelView& view) {
+    if (!std::isfinite(view.lambda_gc)) {
         return element("p", "There is no lambda GC without a tested marker.");
-    return "<p class=\"big\"><small>Lambda GC of the additive test</small>" + decimal(lambda, 3) +
-           "</p>" + element("p", inflation_text(lambda));
+    }
+    return "<p class=\"big\"><small>Lambda GC of the additive test</small>" +
+           decimal(view.lambda_gc, 3) + "</p>" + element("p", inflation_text(view));
 }
 
 std::string quantiles_html(const ModelView& view, const nlohmann::json& columns) {
@@ -127,7 +133,7 @@ void chance_parts(const ModelView& view, std::span<const DataSetRow> data_sets,
                   std::span<const QuantileRow> quantiles, PageParts& parts, nlohmann::json& data) {
     data["quantiles"] = quantile_columns(drawn(quantiles));
     parts["quantiles"] = quantiles_html(view, data["quantiles"]);
-    parts["lambda"] = lambda_text(view.lambda_gc);
+    parts["lambda"] = lambda_html(view);
 
     std::vector<double> permuted;
     for (const DataSetRow& row : data_sets) {

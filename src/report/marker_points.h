@@ -4,7 +4,8 @@
 // of a tenth of a power of ten. A band keeps every s-th marker in the order of the genome; when it
 // is full, every second one goes and s doubles. At the end at most 700 of a band stay, evenly
 // spaced among those, so that all bands are equally dense where a single share for all of them
-// would leave the upper ones bare. Points with p < 0.001 and those of the model are never left out.
+// would leave the upper ones bare. Points with p < 0.001 and those of the model are never left out;
+// where there are very many of them, fewer of the others stay, so that the page keeps its size.
 //
 // Memory: 42,000 points and those that always stay.
 #pragma once

@@ -76,6 +76,32 @@ std::string verdict(const ModelView& view) {
            "Which of them it is, the p-value does not say; it belongs to the model as a whole.";
 }
 
+// "Of its weight rs1 has 41 %, rs2 22 % and 3 more markers 37 %."
+std::string markers_of_model(const ModelView& view) {
+    constexpr std::size_t kNamed = 5;
+    std::vector<std::pair<std::string, double>> shares;
+    for (std::size_t i = 0; i < view.weighed.size(); ++i) {
+        const WeighedMarker& marker = view.weighed[i];
+        if (i < kNamed) {
+            shares.emplace_back(marker.locus.name, marker.importance);
+        } else if (i == kNamed) {
+            const std::size_t more = view.weighed.size() - kNamed;
+            shares.emplace_back(
+                grouped(long(more)) + (more == 1 ? " more marker" : " more markers"),
+                marker.importance);
+        } else {
+            shares.back().second += marker.importance;
+        }
+    }
+    std::string text = "Of its weight ";
+    for (std::size_t i = 0; i < shares.size(); ++i) {
+        if (i > 0) text += i + 1 == shares.size() ? " and " : ", ";
+        text += shares[i].first + (i == 0 ? " has\u00a0" : "\u00a0") +
+                decimal(shares[i].second, 0) + "\u00a0%";
+    }
+    return shares.empty() ? "" : text + ".";
+}
+
 std::string lede(const ModelView& view, long tied) {
     if (view.markers - view.dropped <= 0 || !view.has_model) {
         return element("p", why_nothing(view), "lede");
@@ -84,13 +110,14 @@ std::string lede(const ModelView& view, long tied) {
         return element("p",
                        "The study was analysed without permuted data sets. A search like this one "
                        "finds a model in almost any data, so without them there is no p-value and "
-                       "no telling whether this one means anything.",
+                       "no telling whether this one means anything. " +
+                           markers_of_model(view),
                        "lede");
     }
     std::string html = "<p class=\"lede\"><strong>p " +
                        escaped((view.stronger == 0 ? "" : "= ") + overall_p_text(view)) +
                        "</strong>, " + escaped(interval_text(view)) + ". " +
-                       escaped(verdict(view)) + "</p>";
+                       escaped(verdict(view) + " " + markers_of_model(view)) + "</p>";
     std::string aside =
         "In a permuted data set the labels of cases and controls are shuffled, so that whatever is "
         "found in it is found by chance. The whole analysis, its search included, was repeated on "
@@ -120,11 +147,11 @@ std::string numbers(const ModelView& view) {
                             ? ""
                             : grouped(view.stronger) + " with a stronger model");
     if (view.has_model) {
-        html += figure_item("Base learners in the model", grouped(long(view.learners.size())),
+        html += figure_item("Base learners", grouped(long(view.learners.size())),
                             "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
-                "p, counting the study too", p_text(view.p_plus_one),
+                "p, study included", p_text(view.p_plus_one),
                 "(" + grouped(view.stronger) + " + 1) / " + grouped(view.permutations + 1));
         }
     }

@@ -73,7 +73,9 @@ std::vector<MadeMarker> make_markers(const Made& made) {
 
 std::vector<DataSetRow> make_data_sets(const Made& made) {
     std::mt19937_64 random(7);
-    std::vector<DataSetRow> rows{{0, made.T0, 1.18e-7, "rs", 10}};
+    std::vector<DataSetRow> rows;
+    rows.reserve(1 + std::size_t(made.permutations));
+    rows.push_back({0, made.T0, 1.18e-7, "rs", 10});
     for (int k = 1; k <= made.permutations; ++k) {
         const double T = 0.1 + 0.05 * (uniform(random) + uniform(random) + uniform(random) - 1.4);
         const double p =
@@ -100,6 +102,7 @@ void rank(std::vector<MadeMarker>& markers, const std::vector<DataSetRow>& data_
 
 std::vector<QuantileRow> make_quantiles(const std::vector<MadeMarker>& markers) {
     std::vector<double> p;
+    p.reserve(markers.size());
     for (const MadeMarker& marker : markers) p.push_back(marker.row.p_min);
     std::sort(p.begin(), p.end());
     std::vector<QuantileRow> rows;
@@ -294,5 +297,8 @@ int main(int argc, char** argv) try {
                {.markers = 4, .permutations = 20, .model = false, .tested = false});
 } catch (const vort::InputError& error) {
     std::cerr << error.text << '\n';
+    return 1;
+} catch (const std::exception& error) {
+    std::cerr << error.what() << '\n';
     return 1;
 }

@@ -85,7 +85,8 @@ function bins(values, mark) {
   const before = Math.floor((mark - low) / width) + 1;
   const count = before + Math.max(1, Math.ceil((high - mark) / width));
   const edge = (i) => mark + (i - before) * width;
-  const made = Array.from({ length: count }, (_, i) => ({ from: edge(i), to: edge(i + 1), sets: 0 }));
+  const empty = (_, i) => ({ from: edge(i), to: edge(i + 1), sets: 0 });
+  const made = Array.from({ length: count }, empty);
   for (const value of values) {
     const steps = Math.abs(value - mark) / width;
     const bin = before + (value > mark ? Math.ceil(steps) - 1 : -Math.floor(steps) - 1);
@@ -126,7 +127,7 @@ function histogramScales(first, last) {
       max: last.to,
       grid: { display: false },
       ticks: { includeBounds: false, maxRotation: 0, maxTicksLimit: 9 },
-      title: { display: true, text: "T, how much the best model explains" },
+      title: { display: true, text: "T of the model that was found" },
     },
     y: {
       beginAtZero: true,

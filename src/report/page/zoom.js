@@ -29,8 +29,9 @@ function zoom(chart, whole, changed) {
 
   function paint(from, to) {
     const { top, bottom } = chart.chartArea;
-    const sides = { left: Math.min(from, to), top, width: Math.abs(to - from), height: bottom - top };
-    for (const [side, length] of Object.entries(sides)) brush.style[side] = length + "px";
+    const left = Math.min(from, to);
+    const lengths = { left, top, width: Math.abs(to - from), height: bottom - top };
+    for (const [side, length] of Object.entries(lengths)) brush.style[side] = length + "px";
   }
 
   function stop() {
