@@ -118,7 +118,8 @@ class Commands {
         for (const CLI::Option* option : asked.get_options()) {
             for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
         }
-        for (const CLI::App* command : asked.get_subcommands({})) {
+        for (const CLI::App* command :
+             asked.get_subcommands([](const CLI::App*) { return true; })) {
             names.push_back(command->get_name());
         }
         const std::string near = nearest_name(word.substr(0, word.find('=')), names);

@@ -1,7 +1,6 @@
 #include "cli/nearest_name.h"
 
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 namespace vort {
@@ -9,18 +8,22 @@ namespace vort {
 namespace {
 
 std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, row[j] + 1, diagonal + 1});
+    // steps[i][j]: from the first i characters of a to the first j of b.
+    std::vector steps(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+    for (std::size_t i = 0; i <= a.size(); ++i) {
+        for (std::size_t j = 0; j <= b.size(); ++j) {
+            if (i == 0 || j == 0) {
+                steps[i][j] = i + j;
+                continue;
+            }
+            const std::size_t changed = steps[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1);
+            steps[i][j] = std::min({changed, steps[i - 1][j] + 1, steps[i][j - 1] + 1});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+                steps[i][j] = std::min(steps[i][j], steps[i - 2][j - 2] + 1);
+            }
         }
     }
-    return row.back();
+    return steps[a.size()][b.size()];
 }
 
 }  // namespace

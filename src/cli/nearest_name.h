@@ -7,8 +7,8 @@
 
 namespace vort {
 
-// The name that the fewest insertions, deletions and changes of a character lead to from `word`
-// (V. I. Levenshtein 1966); empty where even that one needs more than a third of its characters.
+// The name that the fewest insertions, deletions, changes and exchanges of characters lead to from
+// `word` (F. J. Damerau 1964); empty where even that one needs more than a third of its characters.
 std::string nearest_name(std::string_view word, std::span<const std::string> names);
 
 }  // namespace vort

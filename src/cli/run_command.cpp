@@ -48,7 +48,7 @@ class ConsoleFile {
     }
     void end(double seconds) {
         if (!file_) return;
-        write("Total time=" + std::to_string(static_cast<long>(seconds)));
+        write("Total time=" + std::to_string(static_cast<long>(seconds)) + '\n');
         if (!file_->close()) stop("", 1);
     }
 

@@ -25,7 +25,7 @@ std::unique_ptr<CohortReader> reader_for(const StudyRequest& request, Study& stu
         case StudyFormat::kVcf:
             return vcf_reader(request.files, request.threads, study);
         case StudyFormat::kRaw:
-            return raw_reader(request.files, request.threads, study);
+            return raw_reader(request.files, study);
         case StudyFormat::kDirectory:
             return directory_reader(request.files, request.threads, study);
     }
@@ -99,12 +99,30 @@ void sort_markers(Cohort& cohort, Study& study) {
     cohort.columns = std::move(columns);
 }
 
+// Hashes of names that may be there more than once, ascending: sorted numbers are far cheaper than
+// a table of half a million names.
+std::vector<std::size_t> repeated_hashes(const std::vector<MarkerInfo>& markers) {
+    std::vector<std::size_t> hashes;
+    hashes.reserve(markers.size());
+    for (const MarkerInfo& marker : markers)
+        hashes.push_back(std::hash<std::string>()(marker.name));
+    std::sort(hashes.begin(), hashes.end());
+    std::vector<std::size_t> repeated;
+    for (std::size_t k = 1; k < hashes.size(); ++k) {
+        if (hashes[k] == hashes[k - 1]) repeated.push_back(hashes[k]);
+    }
+    return repeated;
+}
+
 void tell_duplicate_names(const std::vector<MarkerInfo>& markers, Study& study) {
+    const std::vector<std::size_t> hashes = repeated_hashes(markers);
+    if (hashes.empty()) return;
     std::unordered_map<std::string_view, int> times;
-    times.reserve(markers.size());
     std::string_view first;
     long repeated = 0;
     for (const MarkerInfo& marker : markers) {
+        const std::size_t hash = std::hash<std::string>()(marker.name);
+        if (!std::binary_search(hashes.begin(), hashes.end(), hash)) continue;
         if (++times[marker.name] != 2) continue;
         if (repeated++ == 0) first = marker.name;
     }

@@ -93,7 +93,7 @@ void write_data_set(const Study& study, const std::string& path) {
         const int rows = std::min(kRowsAtOnce, study.genotypes.individuals() - first);
         const RowTexts texts(study.genotypes, first, rows);
         for (int r = 0; r < rows; ++r) {
-            const auto i = static_cast<std::size_t>(first + r);
+            const auto i = static_cast<std::size_t>(first) + static_cast<std::size_t>(r);
             file.write(identifier(study.individuals[i]) + (study.phenotypes[i] == 1 ? " 1" : " 0"));
             file.write(texts[r]);
             file.write("\n");

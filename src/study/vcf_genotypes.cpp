@@ -9,27 +9,18 @@ namespace vort {
 
 namespace {
 
-// What one value of a call says.
-enum Allele : unsigned { kMissing, kReference, kCounted, kNoMore, kOutOfRange };
+using Allele = VcfAllele;
 
-// Bits of a genotype, by its first two values; see genotypes.h.
 constexpr unsigned kMissingBits = 1;
-constexpr std::array<std::array<unsigned char, 4>, 4> kBits = {{
-    // second: missing, reference, counted, none
-    {1, 1, 1, 1},
-    {1, 3, 2, 3},
-    {1, 2, 0, 0},
-    {1, 1, 1, 1},
-}};
 
 template <typename T>
 Allele allele_of(T value, int alleles) {
     constexpr auto kNothing = static_cast<T>(T{1} << (8 * sizeof(T) - 1));
-    if (value == kNothing) return kMissing;
-    if (value == kNothing + 1) return kNoMore;
+    if (value == kNothing) return Allele::kMissing;
+    if (value == kNothing + 1) return Allele::kNoMore;
     const auto number = static_cast<unsigned>(value) >> 1;
     if (number <= static_cast<unsigned>(alleles)) return static_cast<Allele>(number);
-    return kOutOfRange;
+    return Allele::kOutOfRange;
 }
 
 // Values of one byte, which nearly all records have, are looked up.
@@ -66,15 +57,15 @@ PackedCalls pack(const VcfCalls& calls, int individuals, std::span<unsigned char
     const std::uint8_t* call = calls.first;
     const auto width = static_cast<std::size_t>(calls.width);
     for (int i = 0; i < individuals; ++i) {
-        Allele values[2] = {kMissing, kNoMore};
+        Allele values[2] = {Allele::kMissing, Allele::kNoMore};
         for (int a = 0; a < std::min(calls.ploidy, 2); ++a) values[a] = read(call + width * a);
         unsigned bits = kMissingBits;
-        if (values[0] == kOutOfRange || values[1] == kOutOfRange) {
+        if (values[0] == Allele::kOutOfRange || values[1] == Allele::kOutOfRange) {
             packed.in_range = false;
         } else {
-            bits = kBits[values[0]][values[1]];
+            bits = genotype_bits(values[0], values[1]);
         }
-        if (calls.ploidy > 2 && read(call + 2 * width) != kNoMore) {
+        if (calls.ploidy > 2 && read(call + 2 * width) != Allele::kNoMore) {
             ++packed.polyploid;
             bits = kMissingBits;
         }
@@ -86,6 +77,17 @@ PackedCalls pack(const VcfCalls& calls, int individuals, std::span<unsigned char
 }
 
 }  // namespace
+
+unsigned genotype_bits(VcfAllele first, VcfAllele second) {
+    static constexpr unsigned char kBits[4][4] = {
+        // second: missing, reference, counted, none
+        {1, 1, 1, 1},
+        {1, 3, 2, 3},
+        {1, 2, 0, 0},
+        {1, 1, 1, 1},
+    };
+    return kBits[static_cast<std::size_t>(first)][static_cast<std::size_t>(second)];
+}
 
 PackedCalls pack_calls(const VcfCalls& calls, int individuals, std::span<unsigned char> out) {
     if (calls.width == 1) return pack(calls, individuals, out, ByteAlleles(calls.alleles));

@@ -17,6 +17,12 @@ struct VcfCalls {
     int alleles = 0;  // of the marker, 1 or 2
 };
 
+// What one value of a call says.
+enum class VcfAllele : unsigned char { kMissing, kReference, kCounted, kNoMore, kOutOfRange };
+
+// The bits (genotypes/genotypes.h) of a call by its first two values, none of them out of range.
+unsigned genotype_bits(VcfAllele first, VcfAllele second);
+
 struct PackedCalls {
     bool in_range = true;  // no call names an allele that the marker does not have
     long polyploid = 0;    // calls of more than two alleles, which are taken as missing

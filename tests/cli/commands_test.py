@@ -23,7 +23,6 @@ from study_files import StudyFiles
 PROGRAM = Path(sys.argv[1]).resolve()
 ROOT = Path(__file__).resolve().parents[2]
 CASE = ROOT / "tests/golden/linked"
-SETTINGS = ["--permutations", "4", "--best-m", "12", "--max-retain", "10"]
 REPORTS = ["P_value.txt", "Final_result.txt"]
 TABLES = ["markers.tsv", "permutations.tsv", "quantiles.tsv"]
 PHENOTYPES = ["--pheno", "phenotypes.txt", "--pheno-name", "status", "--1"]
@@ -38,6 +37,10 @@ INPUTS = {
     "raw alone": (["--raw", "study.raw"], ["CHR", "BP", "A2"]),
     "study": (["--study", "text"], ["BP", "A1", "A2"]),
 }
+
+
+def settings(permutations="4"):
+    return ["--permutations", permutations, "--best-m", "12", "--max-retain", "10"]
 
 
 def table(path):
@@ -71,8 +74,8 @@ class Commands(unittest.TestCase):
             self.assertRegex(told, f"^vort: [^\n]*{said}[^\n]*\n$" if said else "^$")
         return done
 
-    def run_study(self, out, *more, **expected):
-        return self.vort("run", *BED, *SETTINGS, "--out", out, *more, **expected)
+    def run_study(self, out, *more, permutations="4", **expected):
+        return self.vort("run", *BED, *settings(permutations), "--out", out, *more, **expected)
 
     def assert_same(self, names, one, other):
         for name in names:
@@ -86,7 +89,7 @@ class Commands(unittest.TestCase):
     def test_formats_give_the_same_results(self):
         for name, (words, own) in INPUTS.items():
             with self.subTest(name):
-                self.vort("run", *words, *([] if name == "study" else SETTINGS), "--out", name)
+                self.vort("run", *words, *([] if name == "study" else settings()), "--out", name)
                 self.assertEqual(without_columns(self.work / name / "markers.tsv", own),
                                  without_columns(self.work / "bed/markers.tsv", own))
                 if "CHR" not in own:
@@ -100,7 +103,7 @@ class Commands(unittest.TestCase):
     def test_import_gives_the_run_of_the_bare_program(self):
         for name, (words, _) in INPUTS.items():
             with self.subTest(name):
-                given = [*words, *([] if name == "study" else SETTINGS)]
+                given = [*words, *([] if name == "study" else settings())]
                 self.vort("import", *given, "--out", name + ".d")
                 bare = self.vort(cwd=self.work / (name + ".d"), said="")
                 self.vort("run", *given, "--console", "--out", name)
@@ -164,7 +167,7 @@ class Commands(unittest.TestCase):
         self.vort("run", "--bfile", "absent", "--out", "out", "--force", status=3,
                   said="absent.fam: cannot be opened")
         self.assertEqual((self.work / "out/P_value.txt").read_bytes(), before)
-        self.run_study("out", "--force", "--permutations", 3)
+        self.run_study("out", "--force", permutations="3")
         self.assertNotEqual((self.work / "out/P_value.txt").read_bytes(), before)
         self.assertFalse((self.work / "out/console.txt").exists())
 
@@ -206,12 +209,12 @@ class Commands(unittest.TestCase):
         seed = 20261121
         print("seed", seed)
         moments = random.Random(seed)
-        words = [PROGRAM, "run", *BED, *SETTINGS, "--permutations", "20000", "--out", "out"]
+        words = [PROGRAM, "run", *BED, *settings("20000"), "--out", "out"]
         statuses = {signal.SIGINT: 130, signal.SIGTERM: 143, signal.SIGKILL: -9}
         for sent in [*statuses] * 4:
             running = subprocess.Popen(words, cwd=self.work, stdout=subprocess.DEVNULL,
                                        stderr=subprocess.DEVNULL)
-            while not (self.work / "out/.vort-unfinished").exists():
+            while running.poll() is None and not (self.work / "out/.vort-unfinished").exists():
                 time.sleep(0.01)
             time.sleep(moments.uniform(0.01, 0.5))
             running.send_signal(sent)
@@ -234,9 +237,8 @@ class Commands(unittest.TestCase):
 
     def test_progress_is_a_line_on_a_terminal(self):
         terminal, inside = pty.openpty()
-        self.shown = subprocess.run(
-            [PROGRAM, "run", *BED, *SETTINGS, "--permutations", "300", "--out", "out"],
-            cwd=self.work, stdout=subprocess.DEVNULL, stderr=inside, check=True)
+        subprocess.run([PROGRAM, "run", *BED, *settings("300"), "--out", "out"], cwd=self.work,
+                       stdout=subprocess.DEVNULL, stderr=inside, check=True)
         os.close(inside)
         shown = os.read(terminal, 1 << 16).decode()
         self.assertRegex(shown, r"\r(screening|modelling) \[#*-*\] \d+/301  \d+:\d\d elapsed")

@@ -17,7 +17,7 @@ constexpr const char* kVcfHead =
     "#CHROM\tPOS\tID\tREF\tALT\tQUAL\tFILTER\tINFO\tFORMAT\ta\tb\tf_c\td\n";
 
 // Markers with four calls each: "CHR POS ID REF ALT FORMAT a b c d".
-std::string vcf_of(std::string lines) {
+std::string vcf_of(const std::string& lines) {
     std::string text = kVcfHead;
     int column = 0;
     for (const char c : lines) {
