@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Simulate a case-control study: dat1.txt, Chromosome_SNP_Name.txt and parameter.txt.
+"""Simulate a case-control study: dat1.txt, Chromosome_SNP_Name.txt and parameter.txt, and with
+--binary NAME the same study as NAME.bed, NAME.bim and NAME.fam beside them.
 
 Genotypes follow Hardy-Weinberg proportions, each marker with a minor allele frequency of its
 own. Disease follows a logistic model whose intercept is the median risk score, so that about
@@ -10,13 +11,15 @@ half of the individuals are cases:
 
 Markers are numbered from 1. The same arguments give the same bytes on every machine: all chance
 comes from one seeded generator, drawn in a fixed order (frequencies, genotypes, status, other
-phenotypes, markers of poor quality, missing genotypes). Memory is one byte a genotype.
+phenotypes, markers of poor quality, missing genotypes), and what only the binary files show
+(positions, alleles, sexes) from another one. Memory is one byte a genotype.
 
 Example: 200 individuals, an effect of marker 3, an interaction of markers 5 and 9
 
   simulate.py study --samples 200 --markers 40 --single 3:0.8 --pair 5,9:1.2
 """
 import argparse
+import itertools
 import math
 import random
 from pathlib import Path
@@ -25,6 +28,14 @@ MISSING = 3
 GENOTYPE_TEXT = ("0", "1", "2", "-1")
 POOR_MARKER_MISSING = 0.15
 FIRST_NAME = 1000
+
+# By genotype, MISSING included: the two bits that stand for it in a .bed file.
+BED_CODES = (3, 2, 0, 1)
+BED_MAGIC = b"\x6c\x1b\x01"
+MARKER_SEED, PERSON_SEED = "markers", "people"
+# Lengths of chromosomes 1 to 22 in millions of bases; further ones count as the last.
+MEGABASES = (249, 242, 198, 190, 182, 171, 159, 145, 138, 134, 135, 133, 114, 107, 102, 90, 83, 80,
+             59, 64, 47, 51)
 
 
 def numbered_effect(marker_count):
@@ -71,6 +82,7 @@ def parse_arguments():
     add("--other-phenotype", type=float, default=0.0, help="share of individuals coded 2")
     add("--head", type=int, default=1, help="1: a line of titles comes first")
     add("--record", type=int, default=1, help="1: every row begins with an identifier")
+    add("--binary", metavar="NAME", help="write NAME.bed, NAME.bim and NAME.fam too")
     add("--best-m", type=int, default=10)
     add("--max-retain", type=int, default=3)
     add("--permutations", type=int, default=5)
@@ -137,6 +149,11 @@ def marker_name(marker):
     return f"rs{FIRST_NAME + marker}"
 
 
+def chromosome_of(marker, markers, chromosomes):
+    """Markers are spread evenly over the chromosomes, in ascending order."""
+    return 1 + marker * chromosomes // markers
+
+
 def write_data_set(path, rows, phenotypes, options):
     with open(path, "w", encoding="ascii", newline="\n") as out:
         if options.head == 1:
@@ -149,11 +166,45 @@ def write_data_set(path, rows, phenotypes, options):
 
 
 def write_marker_table(path, options):
-    """Markers spread evenly over the chromosomes, in ascending order."""
     with open(path, "w", encoding="ascii", newline="\n") as out:
         for j in range(options.markers):
-            chromosome = 1 + j * options.chromosomes // options.markers
+            chromosome = chromosome_of(j, options.markers, options.chromosomes)
             out.write(f"{chromosome}\t{marker_name(j)}\n")
+
+
+def write_bed(path, columns):
+    """SNP-major; each column has one marker's genotypes. The last byte is filled up with zeros."""
+    with open(path, "wb") as out:
+        out.write(BED_MAGIC)
+        for column in columns:
+            codes = [BED_CODES[genotype] for genotype in column]
+            codes += [0] * (-len(codes) % 4)
+            quads = zip(codes[0::4], codes[1::4], codes[2::4], codes[3::4])
+            out.write(bytes(a | b << 2 | c << 4 | d << 6 for a, b, c, d in quads))
+
+
+def write_bim(path, markers, chromosomes):
+    """The first allele is the counted one. Each marker lies in an even share of its chromosome."""
+    rng = random.Random(MARKER_SEED)
+    by_chromosome = itertools.groupby(
+        range(markers), key=lambda marker: chromosome_of(marker, markers, chromosomes)
+    )
+    with open(path, "w", encoding="ascii", newline="\n") as out:
+        for chromosome, group in by_chromosome:
+            length = 1000000 * MEGABASES[min(chromosome, len(MEGABASES)) - 1]
+            members = list(group)
+            for k, j in enumerate(members):
+                position = 1 + int(length * (k + rng.random()) / len(members))
+                line = (chromosome, marker_name(j), 0, position, *rng.sample("ACGT", 2))
+                print(*line, sep="\t", file=out)
+
+
+def write_fam(path, phenotypes):
+    rng = random.Random(PERSON_SEED)
+    with open(path, "w", encoding="ascii", newline="\n") as out:
+        for i, phenotype in enumerate(phenotypes):
+            sex = 1 + int(2 * rng.random())
+            out.write(f"ind{i + 1} ind{i + 1} 0 0 {sex} {phenotype + 1}\n")
 
 
 def write_parameters(path, options):
@@ -187,6 +238,11 @@ def main():
     write_data_set(folder / "dat1.txt", rows, phenotypes, options)
     write_marker_table(folder / "Chromosome_SNP_Name.txt", options)
     write_parameters(folder / "parameter.txt", options)
+    if options.binary:
+        prefix = str(folder / options.binary)
+        write_bed(prefix + ".bed", zip(*rows))
+        write_bim(prefix + ".bim", options.markers, options.chromosomes)
+        write_fam(prefix + ".fam", phenotypes)
 
 
 if __name__ == "__main__":

@@ -51,11 +51,11 @@ Settings settings_for(const RunOptions& options, int individuals, int markers) {
 // Tells how far a run is, a line for every tenth of each stage.
 class PlainProgress : public Observer {
   public:
-    void screened(int d, int data_sets, double, int) override {
-        tell("screened", d + 1, data_sets);
+    void screened(const ScreenedView& view) override {
+        tell("screened", view.data_set + 1, view.data_sets);
     }
-    void modelled(int k, int permutations, double) override {
-        tell("modelled permuted data sets", k + 1, permutations);
+    void modelled(const ModelledView& view) override {
+        tell("modelled", view.data_set + 1, view.data_sets);
     }
 
   private:

@@ -18,6 +18,8 @@ struct BaseLearner {
     double importance = 0;         // share that it adds to each of its markers
     std::array<int, 9> cluster{};  // group (from 0) of each genotype cell of the set
     double average = 0;            // share of cases in the group
+    int group = 0;                 // (from 0) that the coefficient belongs to
+    int carriers = 0;              // individuals in it, by imputed genotypes where one is missing
 
     int cell_count() const { return markers == 1 ? 3 : 9; }
 };

@@ -25,7 +25,7 @@ EnsembleStage::EnsembleStage(const ScreenedStudy& study, const Settings& setting
       settings_(settings),
       options_(std::move(options)),
       models_(study.genotypes, study.phenotypes, study.best, settings.builder, options_.threads,
-              options_.transcript),
+              options_.transcript, options_.work),
       importance_(static_cast<std::size_t>(settings.builder.usable_markers()) + 1),
       selected_(static_cast<std::size_t>(std::max(settings.builder.markers + 1, 0))) {}
 
@@ -66,6 +66,11 @@ void EnsembleStage::check_against_screening() const {
           study_.phenotypes.count() - 1);
 }
 
+void EnsembleStage::tell(int d, const ModelledDataSet& modelled) const {
+    if (!options_.progress) return;
+    options_.progress(d, modelled.statistic, modelled.selection ? modelled.selection->nonzero : 0);
+}
+
 void EnsembleStage::keep_last(ModelledDataSet& modelled) {
     result_.pair_searches.add(modelled.pair_search);
     if (modelled.design) last_design_ = std::move(modelled.design);
@@ -77,6 +82,7 @@ void EnsembleStage::analyse_observed() {
     models_.run(0, 1, [&](int, ModelledDataSet&& modelled) {
         say(modelled.transcript);
         result_.observed = modelled.statistic;
+        tell(0, modelled);
         keep_last(modelled);
     });
     if (last_design_->records().empty()) {
@@ -106,7 +112,7 @@ void EnsembleStage::record_base_learners(const Design& design, const Coefficient
         for (int g = 0; g < record.candidate_columns(); ++g) {
             if (!record.is_column(g)) continue;
             if (b < columns && std::abs(read.beta[b]) != 0) {
-                record_group(record, static_cast<int>(q), g, recorded, b, read, out);
+                record_group(design, static_cast<int>(q), g, recorded, b, read, out);
                 ++recorded;
             }
             ++b;
@@ -118,8 +124,9 @@ void EnsembleStage::record_base_learners(const Design& design, const Coefficient
 
 // The cells reported are those of the group whose number is how many base learners the set has had
 // so far; that is group g unless an earlier group of the set has no part in the model.
-void EnsembleStage::record_group(const ClusterRecord& record, int q, int g, int recorded, int b,
+void EnsembleStage::record_group(const Design& design, int q, int g, int recorded, int b,
                                  const Coefficients& read, Transcript& out) {
+    const ClusterRecord& record = design.records()[q];
     const double beta = read.beta[b];
     const double share = std::abs(beta) / record.marker_count / read.mean_square[b];
     const MarkerSet set =
@@ -130,6 +137,9 @@ void EnsembleStage::record_group(const ClusterRecord& record, int q, int g, int 
     learner.beta = beta;
     learner.importance = share;
     learner.average = record.group_average[g];
+    learner.group = g;
+    const auto column = design.column(b);
+    learner.carriers = static_cast<int>(std::count(column.begin(), column.end(), 1));
     for (int l = 0; l < set.size; ++l) {
         const int marker = set.marker[l] + 1;
         learner.marker[l] = marker;
@@ -163,6 +173,7 @@ void EnsembleStage::analyse_permutations() {
         Transcript out(options_.transcript);
         out << "permutation = " << d - 1 << " \n";
         out.add(modelled.transcript);
+        if (!modelled.stopped) tell(d, modelled);
         keep_last(modelled);
         if (modelled.stopped) return say(out);
         result_.permuted.push_back(modelled.statistic);
@@ -170,7 +181,6 @@ void EnsembleStage::analyse_permutations() {
         out << "Cp0=" << general(result_.observed) << " Cp_per=" << general(modelled.statistic)
             << '\n';
         say(out);
-        if (options_.progress) options_.progress(d - 1, modelled.statistic);
     });
     result_.pvalue = static_cast<double>(stronger) / B;
     Transcript out(options_.transcript);

@@ -25,8 +25,11 @@ struct EnsembleOptions {
     bool transcript = true;
     // Gets console text as it comes.
     std::function<void(std::string_view)> console;
-    // Gets the statistic of each permuted data set k = 0, 1, 2, ... as it comes.
-    std::function<void(int k, double statistic)> progress;
+    // Gets the statistic of each data set d = 0, 1, 2, ... as it comes, and the number of base
+    // learners in its model.
+    std::function<void(int d, double statistic, int learners)> progress;
+    // Gets how many data sets have been worked on, parts included; from any thread, one at a time.
+    std::function<void(double data_sets)> work;
 };
 
 // What two intermediate files of an earlier form of the program held after the data set that was
@@ -57,10 +60,11 @@ class EnsembleStage {
   private:
     void announce();
     void check_against_screening() const;
+    void tell(int d, const ModelledDataSet& modelled) const;
     void keep_last(ModelledDataSet& modelled);
     void analyse_observed();
     void record_base_learners(const Design& design, const Coefficients& read, Transcript& out);
-    void record_group(const ClusterRecord& record, int q, int g, int recorded, int b,
+    void record_group(const Design& design, int q, int g, int recorded, int b,
                       const Coefficients& read, Transcript& out);
     bool select_markers();
     void analyse_permutations();

@@ -19,6 +19,7 @@
 #include <array>
 #include <cmath>
 
+#include "ensemble/cell_counts.h"
 #include "numeric/distributions.h"
 
 namespace vort {
@@ -55,12 +56,6 @@ struct ReportedStudy {
     double SS = 0;                   // sum of squares around it
 
     int n() const { return static_cast<int>(phenotype.size()); }
-    // Codes of the j-th ranked marker (from 1).
-    std::vector<signed char> codes(int j) const {
-        std::vector<signed char> all(static_cast<std::size_t>(genotypes.individuals()));
-        genotypes.unpack(column[j - 1], all.data());
-        return all;
-    }
 };
 
 struct TableCell {
@@ -77,22 +72,13 @@ double cell_statistic(const ReportedStudy& study, double cases, double count) {
     return (cases / count - study.ybar) / std::sqrt(((n - count) * study.SS / n / n) / count);
 }
 
-TableCells count_cells(const ReportedStudy& study, const BaseLearner& learner) {
-    const bool pair = learner.markers == 2;
-    TableCells cells(pair ? 9 : 3);
-    const std::vector<signed char> first_codes = study.codes(learner.marker[0]);
-    const std::vector<signed char> second_codes =
-        pair ? study.codes(learner.marker[1]) : std::vector<signed char>(first_codes.size());
-    for (int i = 0; i < study.n(); ++i) {
-        const int first = first_codes[i];
-        const int second = second_codes[i];
-        if (first < 0 || second < 0) continue;
-        TableCell& cell = cells[pair ? 3 * first + second : first];
-        cell.count += 1;
-        if (study.phenotype[i] > 0) cell.cases += 1;
-    }
-    for (TableCell& cell : cells) {
+TableCells table_cells(const ReportedStudy& study, const BaseLearner& learner) {
+    TableCells cells;
+    for (const CellCount& counted :
+         count_cells(study.genotypes, study.phenotype, learner, study.column)) {
+        TableCell cell{static_cast<double>(counted.cases), static_cast<double>(counted.all())};
         if (cell.count > 0) cell.z = cell_statistic(study, cell.cases, cell.count);
+        cells.push_back(cell);
     }
     return cells;
 }
@@ -153,7 +139,7 @@ void write_clustering(Report& report, const BaseLearner& learner, int cells) {
 
 void write_marker_table(Report& report, const ReportedStudy& study, const BaseLearner& learner) {
     const bool pair = learner.markers == 2;
-    const TableCells cells = count_cells(study, learner);
+    const TableCells cells = table_cells(study, learner);
     if (pair) {
         report << "\nMarkers\t " << learner.marker[0] << ',' << learner.marker[1];
     } else {

@@ -37,19 +37,32 @@ struct ModelStage::Work {
 
 ModelStage::ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                        std::span<const std::vector<int>> best, const BuilderSettings& settings,
-                       int threads, bool wanted)
+                       int threads, bool wanted, std::function<void(double)> work)
     : genotypes_(genotypes),
       phenotypes_(phenotypes),
       best_(best),
       settings_(settings),
       threads_(threads),
       wanted_(wanted),
+      meter_(std::move(work)),
       rooms_([] { return PairCodeRoom(); }) {}
 
 int ModelStage::window_size() const {
     const double one = BuilderData::bytes(settings_.individuals, settings_.usable_markers());
     const int fitting = static_cast<int>(std::min<double>(kWindowBytes / one, kMostAtOnce));
     return std::max(fitting, std::min(threads_, kMostAtOnce));
+}
+
+// Of the time that a data set takes, roughly: a pair is one look at each individual in bit planes,
+// a kept set 500 draws of each.
+double ModelStage::share_of_search() const {
+    constexpr double kPair = 0.025;
+    constexpr double kSet = 500;
+    const double m = settings_.usable_markers();
+    const double pairs = m * (m - 1) / 2;
+    const double sets =
+        std::min<double>(settings_.max_retain, m) + std::min<double>(settings_.max_retain, pairs);
+    return (kPair * pairs + 1) / (kPair * pairs + kSet * std::max(sets, 0.0) + 1);
 }
 
 double ModelStage::bytes(double individuals, double markers, double columns, int threads) {
@@ -112,6 +125,7 @@ void ModelStage::search(std::vector<Work>& window) {
     for_each_work(window, large, [this](Work& work, int threads) {
         work.kept = search_sets(*work.data, settings_, threads, wanted_, *rooms_.borrow());
         work.result.pair_search = work.kept.pair_statistics;
+        meter_.add(share_of_search());
     });
 }
 
@@ -145,6 +159,7 @@ void ModelStage::score(std::vector<Work>& window) {
         } catch (const Stop& stop) {
             work->score_stops[s] = stop;
         }
+        meter_.add((1 - share_of_search()) / work->kept.count());
     });
 }
 

@@ -12,6 +12,7 @@
 
 #include "common/settings.h"
 #include "common/transcript.h"
+#include "common/work_meter.h"
 #include "common/workspaces.h"
 #include "csm/builder.h"
 #include "csm/design.h"
@@ -36,10 +37,11 @@ struct ModelledDataSet {
 
 class ModelStage {
   public:
-    // best[d]: columns of data set d by rank, at least m. Nothing is owned but the settings.
+    // best[d]: columns of data set d by rank, at least m. `work` gets how many data sets have been
+    // worked on, parts included. Nothing is owned but the settings.
     ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                std::span<const std::vector<int>> best, const BuilderSettings& settings, int threads,
-               bool wanted);
+               bool wanted, std::function<void(double data_sets)> work);
 
     // Gets data sets in order. One whose run stops is handed on as far as it came, and its Stop is
     // thrown then.
@@ -58,6 +60,7 @@ class ModelStage {
     struct Work;
 
     int window_size() const;
+    double share_of_search() const;
     void run_window(int first, int count, const Take& take);
     void take_data(std::vector<Work>& window);
     void search(std::vector<Work>& window);
@@ -74,6 +77,7 @@ class ModelStage {
     BuilderSettings settings_;
     int threads_;
     bool wanted_;
+    WorkMeter meter_;
     Workspaces<PairCodeRoom> rooms_;
     Generator next_draw_;        // where the next data set's draws begin
     bool quantitative_ = false;  // a phenotype so far was neither 0 nor 1

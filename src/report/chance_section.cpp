@@ -79,7 +79,7 @@ std::string lambda_html(const ModelView& view) {
 
 std::string quantiles_html(const ModelView& view, const nlohmann::json& columns) {
     const std::size_t points = columns["rank"].size();
-    if (points == 0 && view.permuted()) return element("p", "No marker was tested.");
+    if (points == 0 && view.permuted()) return element("p", "There are no p-values of markers.");
     if (points == 0) {
         return element("p",
                        "There is no plot: what to expect of the smallest of four p-values comes "
@@ -114,9 +114,9 @@ std::string histogram_html(const ModelView& view, const std::vector<double>& per
     }
     const auto [low, high] = std::minmax_element(permuted.begin(), permuted.end());
     const std::string stronger =
-        view.not_weaker > 0
-            ? counted(view.not_weaker, "permuted data sets") +
-                  (view.not_weaker == 1 ? " has" : " have") + " a stronger model than the study"
+        view.stronger > 0
+            ? counted(view.stronger, "permuted data sets") +
+                  (view.stronger == 1 ? " has" : " have") + " a stronger model than the study"
         : permuted.size() == 1 ? "The one permuted data set has no stronger model than the study"
                                : "None of them has a stronger model than the study";
     const std::string heard = "Histogram of T in " +

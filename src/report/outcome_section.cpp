@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "report/html.h"
 #include "report/sections.h"
 #include "report/wording.h"
@@ -9,14 +7,8 @@ namespace {
 
 // p = 0 says no more than that it is below one in the number of data sets.
 std::string overall_p_text(const ModelView& view) {
-    if (view.not_weaker == 0) return "below 1 in " + grouped(view.permutations);
+    if (view.stronger == 0) return "below 1 in " + grouped(view.permutations);
     return p_text(view.p);
-}
-
-long ties(const ModelView& view, std::span<const DataSetRow> data_sets) {
-    return std::count_if(data_sets.begin(), data_sets.end(), [&](const DataSetRow& row) {
-        return row.data_set > 0 && row.T == view.T0;
-    });
 }
 
 std::string permuted_sets(long number) {
@@ -41,19 +33,19 @@ std::string headline_of_model(const ModelView& view, long better) {
 }
 
 std::string headline(const ModelView& view, long better) {
-    if (view.markers - view.dropped <= 0) return "No marker could be tested";
+    if (view.tested() <= 0) return "No marker could be tested";
     if (!view.has_model) return "No model was found in this study";
     return headline_of_model(view, better);
 }
 
 std::string interval_text(const ModelView& view) {
-    if (view.not_weaker == 0) return "95 % interval up to " + p_text(view.p_high);
+    if (view.stronger == 0) return "95 % interval up to " + p_text(view.p_high);
     return "95 % interval " + p_text(view.p_low) + " to " + p_text(view.p_high);
 }
 
 std::string why_nothing(const ModelView& view) {
     if (view.markers == 0) return "No marker was left to analyse.";
-    if (view.markers - view.dropped <= 0) {
+    if (view.tested() <= 0) {
         const std::string all = view.markers == 1
                                     ? "The only marker misses"
                                     : "All " + counted(view.markers, "markers") + " miss";
@@ -102,8 +94,8 @@ std::string markers_of_model(const ModelView& view) {
     return shares.empty() ? "" : text + ".";
 }
 
-std::string lede(const ModelView& view, long tied) {
-    if (view.markers - view.dropped <= 0 || !view.has_model) {
+std::string lede(const ModelView& view) {
+    if (view.tested() <= 0 || !view.has_model) {
         return element("p", why_nothing(view), "lede");
     }
     if (!view.permuted()) {
@@ -115,15 +107,16 @@ std::string lede(const ModelView& view, long tied) {
                        "lede");
     }
     std::string html = "<p class=\"lede\"><strong>p " +
-                       escaped((view.not_weaker == 0 ? "" : "= ") + overall_p_text(view)) +
+                       escaped((view.stronger == 0 ? "" : "= ") + overall_p_text(view)) +
                        "</strong>, " + escaped(interval_text(view)) + ". " +
                        escaped(verdict(view) + " " + markers_of_model(view)) + "</p>";
     std::string aside =
         "In a permuted data set the labels of cases and controls are shuffled, so that whatever is "
         "found in it is found by chance. The whole analysis, its search included, was repeated on "
         "each.";
-    if (tied > 0) {
-        aside += " " + std::string(tied == 1 ? "One of them does" : grouped(tied) + " of them do") +
+    if (view.equal > 0) {
+        aside += " " +
+                 (view.equal == 1 ? "One of them does" : grouped(view.equal) + " of them do") +
                  " exactly as well as the study itself and counts neither way.";
     }
     return html + element("p", aside, "aside");
@@ -136,23 +129,22 @@ std::string figure_item(const std::string& name, const std::string& value,
 }
 
 std::string numbers(const ModelView& view) {
-    const long tested = view.markers - view.dropped;
     std::string html = "<dl class=\"figures\">";
     html += figure_item("Individuals", grouped(view.individuals),
                         counted(view.cases, "cases") + ", " + counted(view.controls, "controls"));
     html += figure_item("Markers", grouped(view.markers),
-                        view.dropped == 0 ? "all tested" : grouped(tested) + " tested");
+                        view.dropped == 0 ? "all tested" : grouped(view.tested()) + " tested");
     html += figure_item("Permuted data sets", grouped(view.permutations),
                         !view.has_model || !view.permuted()
                             ? ""
-                            : grouped(view.not_weaker) + " with a stronger model");
+                            : grouped(view.stronger) + " with a stronger model");
     if (view.has_model) {
         html += figure_item("Base learners", grouped(long(view.learners.size())),
                             "on " + counted(long(view.weighed.size()), "markers"));
         if (view.permuted()) {
             html += figure_item(
                 "p, study included", p_text(view.p_plus_one),
-                "(" + grouped(view.not_weaker) + " + 1) / " + grouped(view.permutations + 1));
+                "(" + grouped(view.stronger) + " + 1) / " + grouped(view.permutations + 1));
         }
     }
     return html + "</dl>";
@@ -197,14 +189,13 @@ std::string chart_figure(const std::string& id, const std::string& heard,
            (caption.empty() ? "" : "<figcaption>" + caption + "</figcaption>") + "</figure>";
 }
 
-void outcome_parts(const ModelView& view, std::span<const DataSetRow> data_sets, PageParts& parts) {
-    const long tied = view.has_model ? ties(view, data_sets) : 0;
-    const std::string head = headline(view, view.permutations - view.not_weaker - tied);
+void outcome_parts(const ModelView& view, PageParts& parts) {
+    const std::string head = headline(view, view.permutations - view.stronger - view.equal);
     const std::string name = study_name(view);
     parts["title"] = escaped(name.empty() ? head : name + ": " + head);
     parts["study"] = escaped(name);
     parts["headline"] = escaped(head) + ".";
-    parts["lede"] = lede(view, tied);
+    parts["lede"] = lede(view);
     parts["numbers"] = numbers(view);
     parts["left_out"] = left_out(view);
 }

@@ -36,13 +36,13 @@ struct MarkerRow {
     int genotype_df = 0;
     std::string_view model;  // of the smallest p-value: ADD, DOM, REC or GENO; empty: none
     double p_min = kNotAvailable;
-    int rank = 0;                 // from 1; 0: the marker was dropped
+    int rank = 0;                 // from 1; 0: not known
     double emp1 = kNotAvailable;  // by this marker's permuted p-values
     double emp2 = kNotAvailable;  // by the smallest of each permuted data set
     bool in_model = false;
 
-    // Dropped markers have too many missing genotypes; they are not available in any test.
-    bool dropped() const { return rank == 0; }
+    // Too many genotypes are missing: not available in any test, and without a rank.
+    bool dropped() const { return rank == 0 && !(p_min >= 0); }
 };
 
 }  // namespace vort

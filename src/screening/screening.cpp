@@ -24,6 +24,7 @@
 #include "common/decimal_digits.h"
 #include "common/large_array.h"
 #include "common/parallel.h"
+#include "common/work_meter.h"
 #include "common/workspaces.h"
 #include "numeric/keyed_sort.h"
 #include "screening/fdr_report.h"
@@ -90,7 +91,7 @@ class Batch {
           cases_(phenotypes, first, count),
           minima_{minima, static_cast<std::size_t>(study.genotypes.markers())} {}
 
-    void test(int threads) {
+    void test(int threads, WorkMeter& meter) {
         const int markers = study_.genotypes.markers();
         const std::time_t start = std::time(nullptr);
         const std::size_t stretches = (minima_.markers + kStretch - 1) / kStretch;
@@ -101,6 +102,7 @@ class Batch {
             const int from = static_cast<int>(s) * kStretch;
             spaces.borrow()->screen(from, std::min(kStretch, markers - from), minima_,
                                     findings_[s]);
+            meter.add(count() / static_cast<double>(stretches));
         });
         seconds_ = static_cast<long>(std::time(nullptr) - start);
     }
@@ -176,10 +178,18 @@ ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
         (*ranked)[j] = {minima[j], static_cast<int>(j) + 1};
     }
     const std::size_t kept = std::min(markers(), static_cast<std::size_t>(options_.kept));
-    const bool whole = options_.transcript || !options_.fdr_report.empty();
+    const bool rank_all = options_.rank_all && first + d == 0;
+    const bool whole = options_.transcript || rank_all || !options_.fdr_report.empty();
     sort_keyed(*ranked, whole ? markers() : std::max<std::size_t>(kept, 1));
+    out.pvalues = minima;
     if (markers() > 0) out.smallest_pvalue = ranked->front().key;
-    for (std::size_t k = 0; k < kept; ++k) out.best.push_back((*ranked)[k].index - 1);
+    const auto columns = [&](std::size_t count) {
+        std::vector<int> best(count);
+        for (std::size_t k = 0; k < count; ++k) best[k] = (*ranked)[k].index - 1;
+        return best;
+    };
+    out.best = columns(kept);
+    if (rank_all) out.ranking = columns(markers());
     if (options_.transcript) {
         *out.transcript << "time of pvalue " << batch.seconds() << '\n';
         print_lists(*out.transcript, batch.findings(d));
@@ -205,9 +215,10 @@ void Screening::run(const TakeScreened& take) {
     const int rows = phenotypes_.count();
     const int at_once = std::min(batch_size(), rows);
     LargeArray<double> minima(static_cast<std::size_t>(at_once) * markers());
+    WorkMeter meter(options_.work);
     for (int first = 0; first < rows; first += at_once) {
         Batch batch(study_, phenotypes_, first, std::min(at_once, rows - first), minima.data());
-        batch.test(options_.threads);
+        batch.test(options_.threads, meter);
         for_each_in_order(
             options_.threads, static_cast<std::size_t>(batch.count()),
             [&](std::size_t d) { return rank(batch, first, static_cast<int>(d)); },

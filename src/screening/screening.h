@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,11 @@ struct ScreeningOptions {
     int threads = 1;
     bool transcript = true;     // the console's lists and rankings
     int kept = 0;               // best markers of each data set to be kept; at most all
+    bool rank_all = false;      // the observed data set's complete ranking
     double batch_bytes = 32e6;  // for the smallest p-values of a batch of data sets
+
+    // Gets how many data sets have been worked on, parts included; from any thread, one at a time.
+    std::function<void(double data_sets)> work;
 
     std::string fdr_report;       // path of the observed data set's FDR report; none where empty
     std::string prepared_prefix;  // of prepared files of the best markers; none where empty
@@ -28,13 +33,15 @@ struct ScreeningOptions {
 
 // What is left of one data set's screening.
 struct ScreenedDataSet {
-    std::vector<int> best;       // columns (from 0) by ascending p-value, `kept` of them
-    double smallest_pvalue = 1;  // 1 where there is no marker
+    std::vector<int> best;            // columns (from 0) by ascending p-value, `kept` of them
+    double smallest_pvalue = 1;       // 1 where there is no marker
+    std::span<const double> pvalues;  // of each column, the smallest of its models
+    std::vector<int> ranking;         // of all columns; observed data set, where asked for
     Workspaces<Transcript>::Loan transcript;  // what the console shows of it
 };
 
 // Gets data set d = 0, 1, 2, ... in this order, one at a time; not to be kept beyond the call, its
-// transcript is used again.
+// p-values and its transcript are used again.
 using TakeScreened = std::function<void(int d, ScreenedDataSet&& screened)>;
 
 // Screens all rows of `phenotypes`: cases and controls of row 0, which shuffling does not change.

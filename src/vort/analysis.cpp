@@ -77,6 +77,8 @@ void Analysis::screen() {
     screening.threads = options_.threads;
     screening.transcript = options_.console;
     screening.kept = kept();
+    screening.rank_all = options_.rank_all;
+    screening.work = [this](double done) { observer_.working(Stage::kScreening, done); };
     screening.batch_bytes =
         batch_bytes_for(study_.genotypes.individuals(), study_.genotypes.markers());
     if (options_.fdr_report) screening.fdr_report = options_.folder + "FDR_results.txt";
@@ -84,8 +86,9 @@ void Analysis::screen() {
     screen_data_sets(study_.genotypes, phenotypes_, study_.markers, screening, diagnostics_,
                      [&](int d, ScreenedDataSet&& screened) {
                          say(*screened.transcript);
-                         observer_.screened(d, phenotypes_.count(), screened.smallest_pvalue,
-                                            screened.best.empty() ? -1 : screened.best.front());
+                         observer_.screened({d, phenotypes_.count(), screened.smallest_pvalue,
+                                             screened.best.empty() ? -1 : screened.best.front(),
+                                             screened.pvalues, screened.ranking});
                          best_.push_back(std::move(screened.best));
                      });
 }
@@ -129,9 +132,10 @@ EnsembleOptions Analysis::ensemble_options() {
     ensemble.threads = options_.threads;
     ensemble.transcript = options_.console;
     ensemble.console = console_;
-    ensemble.progress = [this](int k, double statistic) {
-        observer_.modelled(k, settings_.builder.permutations, statistic);
+    ensemble.progress = [this](int d, double statistic, int learners) {
+        observer_.modelled({d, settings_.builder.permutations + 1, statistic, learners});
     };
+    ensemble.work = [this](double done) { observer_.working(Stage::kModels, done); };
     return ensemble;
 }
 

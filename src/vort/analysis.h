@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,22 +22,44 @@ struct StudyData {
     MarkerTable markers;
 };
 
+// A data set that is ranked. Not to be kept beyond the call.
+struct ScreenedView {
+    int data_set;   // 0 observed
+    int data_sets;  // of the run
+    double smallest_pvalue;
+    int best;                         // its marker's column, from 0; -1 where there is none
+    std::span<const double> pvalues;  // of each column, the smallest of its models
+    std::span<const int> ranking;     // columns by rank; of the observed data set
+};
+
+// A data set that has its model.
+struct ModelledView {
+    int data_set;      // 0 observed
+    int data_sets;     // of the run
+    double statistic;  // S
+    int learners;      // base learners in the model
+};
+
+enum class Stage { kScreening, kModels };
+
 // What an analysis tells as it goes; none of it changes a result. Called in the order of the data
 // sets, from one thread at a time.
 class Observer {
   public:
     virtual ~Observer() = default;
 
-    // Data set d of `data_sets` is ranked; `best` is its best marker's column (from 0; -1: none).
-    virtual void screened(int /*d*/, int /*data_sets*/, double /*smallest_pvalue*/, int /*best*/) {}
-    // Permuted data set k of `permutations` has its statistic.
-    virtual void modelled(int /*k*/, int /*permutations*/, double /*statistic*/) {}
+    virtual void screened(const ScreenedView& /*screened*/) {}
+    // How many data sets have been worked on in a stage, parts included. From any thread, one at a
+    // time, also beside the others.
+    virtual void working(Stage /*stage*/, double /*data_sets*/) {}
+    virtual void modelled(const ModelledView& /*modelled*/) {}
 };
 
 struct AnalysisOptions {
     int threads = 1;
     bool console = true;        // whether console text is wanted at all
     std::string folder;         // in front of every file written; "" or ending with a slash
+    bool rank_all = false;      // the observer gets the observed data set's complete ranking
     bool fdr_report = false;    // writes "FDR_results.txt"
     std::string save_prepared;  // prefix of prepared files to be written; none where empty
     std::string prepared;       // prefix of prepared files to take rankings and phenotypes from

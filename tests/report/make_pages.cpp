@@ -226,7 +226,7 @@ json make_results(const Made& made, std::vector<MadeMarker>& markers,
     json result = {{"has_model", made.model},
                    {"T0", nullptr},
                    {"permutations", made.permutations},
-                   {"not_weaker", stronger},
+                   {"stronger", stronger},
                    {"p", made.model ? json() : json(1)},
                    {"p_plus_one", nullptr},
                    {"p_interval", nullptr}};

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "support/golden_study.h"
@@ -18,16 +19,17 @@ using ::testing::MatchesRegex;
 // Notes what it is told.
 class Notes : public Observer {
   public:
-    void screened(int d, int data_sets, double smallest_pvalue, int best) override {
-        screened_.push_back(d);
-        data_sets_ = data_sets;
-        if (d == 0) first_best_ = best;
-        EXPECT_TRUE(smallest_pvalue >= 0 && smallest_pvalue <= 1);
+    void screened(const ScreenedView& view) override {
+        screened_.push_back(view.data_set);
+        data_sets_ = view.data_sets;
+        if (view.data_set == 0) first_best_ = view.best;
+        EXPECT_EQ(view.smallest_pvalue, *std::ranges::min_element(view.pvalues));
     }
-    void modelled(int k, int permutations, double statistic) override {
-        EXPECT_EQ(k, static_cast<int>(statistics_.size()));
-        EXPECT_EQ(permutations, data_sets_ - 1);
-        statistics_.push_back(statistic);
+    void modelled(const ModelledView& view) override {
+        EXPECT_EQ(view.data_sets, data_sets_);
+        if (view.data_set == 0) return;
+        EXPECT_EQ(view.data_set, static_cast<int>(statistics_.size()) + 1);
+        statistics_.push_back(view.statistic);
     }
 
     std::vector<int> screened_;
