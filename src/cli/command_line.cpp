@@ -6,12 +6,19 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
 #include <new>
 #include <string>
 
+#include "cli/exit_status.h"
+#include "cli/import_command.h"
+#include "cli/nearest_name.h"
+#include "cli/report_command.h"
 #include "cli/run_command.h"
+#include "cli/version.h"
 #include "common/console.h"
+#include "common/input_error.h"
 #include "common/stop.h"
 #include "math/matrix1.h"
 #include "vort/working_directory.h"
@@ -68,27 +75,110 @@ int run_bare() {
     }
 }
 
+// All commands, and what they read from the command line.
+class Commands {
+  public:
+    explicit Commands(std::vector<std::string> words) {
+        app_.name("vort");
+        app_.set_version_flag("--version", std::string("vort ") + kVersion);
+        app_.require_subcommand(1);
+        app_.get_formatter()->column_width(30);
+        Diagnostics diagnostics(std::cerr);
+        run_.threads = import_.threads = threads_of_environment(diagnostics);
+        run_.words = std::move(words);
+        commands_ = {{add_run_command(app_, run_), [this] { run_study(run_); }},
+                     {add_import_command(app_, import_), [this] { import_study(import_); }},
+                     {add_report_command(app_, report_), [this] { make_report(report_); }}};
+    }
+
+    CLI::App& app() { return app_; }
+
+    void run() const {
+        for (const auto& [command, work] : commands_) {
+            if (command->parsed()) work();
+        }
+    }
+
+    // What was wrong with the command line, in one line.
+    std::string misuse(const CLI::ParseError& error) const {
+        const CLI::App* asked = &app_;
+        for (const auto& [command, work] : commands_) {
+            if (command->parsed()) asked = command;
+        }
+        std::string text = error.what();
+        const std::vector<std::string> unknown = app_.remaining(true);
+        if (!unknown.empty()) text = unknown_text(*asked, unknown.front());
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        return text + "; see vort " + (asked == &app_ ? "" : asked->get_name() + ' ') + "--help";
+    }
+
+  private:
+    static std::string unknown_text(const CLI::App& asked, const std::string& word) {
+        std::vector<std::string> names;
+        for (const CLI::Option* option : asked.get_options()) {
+            for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+        }
+        for (const CLI::App* command :
+             asked.get_subcommands([](const CLI::App*) { return true; })) {
+            names.push_back(command->get_name());
+        }
+        const std::string near = nearest_name(word.substr(0, word.find('=')), names);
+        return word + ": is unknown" + (near.empty() ? "" : "; did you mean " + near + "?");
+    }
+
+    struct Command {
+        CLI::App* command;
+        std::function<void()> work;
+    };
+
+    CLI::App app_{
+        "Case-control association analysis: markers, pairs of markers, and a model of them\n"
+        "with a permutation p-value. Without arguments the study in the working directory\n"
+        "is analysed (parameter.txt)."};
+    RunOptions run_;
+    ImportOptions import_;
+    std::string report_;
+    std::vector<Command> commands_;
+};
+
+int say(const std::string& text, int status) {
+    if (!text.empty()) std::cerr << "vort: " << text << '\n';
+    return status;
+}
+
+int run_command(const Commands& commands) {
+    try {
+        commands.run();
+        return kDone;
+    } catch (const CLI::ParseError& error) {
+        return say(commands.misuse(error), kMisused);
+    } catch (const InputError& error) {
+        return say(error.text, kUnusableInput);
+    } catch (const Stop& stop) {
+        return say(stop.text, kLackOfResources);
+    } catch (const std::bad_alloc&) {
+        return say("the memory does not suffice", kLackOfResources);
+    } catch (const std::exception& problem) {
+        return say(problem.what(), kLackOfResources);
+    }
+}
+
 }  // namespace
 
 int run_command_line(int argc, char** argv) {
-    // A reader that goes away costs the console text, not the reports.
+    // A reader that goes away costs the console text, not the reports; a file that may not grow is
+    // told as a full disk is.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     if (argc <= 1) return run_bare();
-    CLI::App app(
-        "Case-control association analysis: markers, pairs of markers, and a model of them\n"
-        "with a permutation p-value. Without a command the study in the working directory\n"
-        "is analysed (parameter.txt).");
-    app.name("vort");
-    app.require_subcommand(1);
-    RunOptions run;
-    run.threads = available_processors();
-    CLI::App* const run_command = add_run_command(app, run);
+    Commands commands({argv, argv + argc});
     try {
-        app.parse(argc, argv);
+        commands.app().parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
+        if (error.get_exit_code() == 0) return commands.app().exit(error);
+        return say(commands.misuse(error), kMisused);
     }
-    return run_command->parsed() ? run_study(run) : 0;
+    return run_command(commands);
 }
 
 }  // namespace vort

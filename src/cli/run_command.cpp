@@ -1,206 +1,271 @@
 #include "cli/run_command.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <filesystem>
 #include <iostream>
 
-#include "common/directory_lock.h"
-#include "common/input_error.h"
+#include "cli/account.h"
+#include "cli/checksums.h"
+#include "cli/interruption.h"
+#include "cli/progress.h"
+#include "cli/result_folder.h"
+#include "cli/results.h"
+#include "cli/run_log.h"
+#include "cli/summary.h"
+#include "cli/version.h"
 #include "common/output_file.h"
 #include "common/stop.h"
-#include "genotypes/plink_files.h"
-#include "vort/analysis.h"
+#include "screening/marker_counts.h"
+#include "study/study_directory.h"
 
 namespace vort {
 
 namespace {
 
-constexpr int kUnusableInput = 3;
-constexpr int kLackOfResources = 4;
-
-// The parameter file that describes the run, as a study directory would have it.
-std::string parameter_text(const RunOptions& options, int individuals, int markers) {
-    Transcript text(true);
-    text << "Inputfile\t\t\t\t\tdat1.txt\n"
-         << "Head\t\t\t\t\t\t\t1\n"
-         << "Recorder_num\t\t\t\t\t1\n"
-         << "Sample_size\t\t\t\t\t" << individuals << '\n'
-         << "Number_of_markers\t\t\t" << markers << '\n'
-         << "Symbol_of_missing_Gentype\t-1\n"
-         << "Max_retain\t\t\t\t\t" << options.max_retain << '\n'
-         << "FDR_cutoff_for_candidate_locus_combinations\t" << general(options.fdr) << '\n'
-         << "Number_of_permutation\t\t" << options.permutations << '\n'
-         << "How_many_imputation_to_deal_with_missing\t\t\t10\n"
-         << "Best_m\t\t\t\t\t\t" << options.best_m << '\n';
-    return std::string(text.text());
-}
-
 // A file's numbers go through single precision; the sizes of a study must not.
-Settings settings_for(const RunOptions& options, int individuals, int markers) {
+Settings settings_for(const StudyParameters& parameters, int clustering, int individuals,
+                      int markers) {
     Settings settings =
-        settings_of(parse_parameters(parameter_text(options, individuals, markers)));
+        settings_of(parse_parameters(parameter_text(parameters, individuals, markers)));
     settings.screening.individuals = individuals;
     settings.report.individuals = individuals;
     settings.builder.individuals = individuals;
     settings.screening.markers = markers;
-    settings.builder.clustering = options.clustering;
+    settings.builder.clustering = clustering;
     return settings;
 }
 
-// Tells how far a run is, a line for every tenth of each stage.
-class PlainProgress : public Observer {
+// The lines that the bare program writes to its standard output.
+class ConsoleFile {
   public:
-    void screened(const ScreenedView& view) override {
-        tell("screened", view.data_set + 1, view.data_sets);
+    ConsoleFile(const std::string& path, bool wanted, Diagnostics& diagnostics) {
+        if (!wanted) return;
+        file_ = std::make_unique<OutputFile>(path, OutputFile::Mode::kTruncate, diagnostics);
+        write("read data is finished\n");
     }
-    void modelled(const ModelledView& view) override {
-        tell("modelled", view.data_set + 1, view.data_sets);
+    void write(std::string_view text) {
+        if (file_) *file_ << text;
+    }
+    void end(double seconds) {
+        if (!file_) return;
+        write("Total time=" + std::to_string(static_cast<long>(seconds)) + '\n');
+        if (!file_->close()) stop("", 1);
     }
 
   private:
-    static void tell(const char* what, int done, int all) {
-        const auto tenths = [all](int count) { return 10L * count / all; };
-        if (tenths(done) == tenths(done - 1)) return;
-        std::cerr << "vort: " << what << ": " << done << " of " << all << '\n';
-    }
+    std::unique_ptr<OutputFile> file_;
 };
 
-void make_folder(const RunOptions& options) {
-    std::error_code failure;
-    std::filesystem::create_directories(options.out, failure);
-    if (!std::filesystem::is_directory(options.out)) {
-        throw InputError{options.out +
-                         ": cannot be made; a directory for the results was expected"};
+// One run; the members stand in the order in which they come to be.
+class Run {
+  public:
+    explicit Run(const RunOptions& options)
+        : options_(options),
+          request_(study_request(options.input)),
+          folder_(options.out, kRunResults, options.force),
+          interruption_([this] {
+              terminal_.clear_progress();
+              folder_.discard();
+          }),
+          diagnostics_(terminal_.errors()) {
+        request_.threads = options.threads;
+        log_.command = options.words;
+        log_.threads = options.threads;
     }
+
+    void run() {
+        load();
+        check();
+        analyse_data();
+        write_tables();
+        finish();
+    }
+
+  private:
+    void load();
+    void check();
+    double result_bytes() const;
+    AnalysisOptions analysis_options() const;
+    RunSize size() const;
+    void analyse_data();
+    void write_tables();
+    void finish();
+
+    const RunOptions& options_;
+    StudyRequest request_;
+    Terminal terminal_;
+    ResultFolder folder_;
+    Interruption interruption_;
+    Diagnostics diagnostics_;
+    Stopwatch watch_;
+    RunLog log_;
+
+    Study study_;
+    StudyData data_;
+    StudyParameters parameters_;
+    Settings settings_;
+    std::unique_ptr<Checksums> checksums_;
+    std::unique_ptr<RunRecorder> recorder_;
+    Result result_;
+    std::string summary_;
+};
+
+void Run::load() {
+    watch_.begin("reading the study");
+    study_ = load_study(request_);
+    tell_account(study_, terminal_);
+    parameters_ = parameters_for(options_.parameters, study_, terminal_);
+    settings_ = settings_for(parameters_, options_.clustering, study_.genotypes.individuals(),
+                             study_.genotypes.markers());
+    data_ = {std::move(study_.genotypes), study_.phenotypes,
+             MarkerTable::from_markers(study_.markers)};
+    checksums_ = std::make_unique<Checksums>(study_.inputs);
 }
 
-constexpr const char* kResults[] = {"P_value.txt", "Final_result.txt"};
-
-void require_no_results(const RunOptions& options) {
-    for (const char* name : kResults) {
-        const std::filesystem::path path = std::filesystem::path(options.out) / name;
-        std::error_code failure;
-        if (options.force || !std::filesystem::exists(path, failure)) continue;
-        throw InputError{path.string() +
-                         ": is there already; name another directory, or replace it by --force"};
-    }
+void Run::check() {
+    check_sizes(settings_, analysis_options(), data_.genotypes.is_mapped(), diagnostics_);
+    folder_.require_room(result_bytes());
 }
 
-// So that none of another study is left where the run ends early.
-void remove_results(const RunOptions& options) {
-    for (const char* name : kResults) remove_file(options.out + '/' + name);
+// Somewhat above what they come to.
+double Run::result_bytes() const {
+    constexpr double kPage = 2e6;
+    constexpr double kMarkerLine = 250;
+    constexpr double kConsoleLine = 60;
+    const double markers = data_.genotypes.markers();
+    const double data_sets = parameters_.permutations + 1.0;
+    return kPage + kMarkerLine * (markers + data_sets) +
+           (options_.console ? kConsoleLine * markers * data_sets : 0);
 }
 
-void analyse_study(RunOptions options, Diagnostics& diagnostics) {
-    make_folder(options);
-    const DirectoryLock lock(options.out);
-    if (!lock.held()) {
-        throw InputError{options.out + ": another run is at work there; name another directory"};
-    }
-    require_no_results(options);
-    BedStudy bed =
-        load_bed(options.prefix + ".bed", options.prefix + ".bim", options.prefix + ".fam");
-    const int individuals = bed.genotypes.individuals();
-    const int markers = bed.genotypes.markers();
-    if (options.best_m > markers) {
-        std::cerr << "vort: --best-m " << options.best_m << " is lowered to the " << markers
-                  << " markers of the study\n";
-        options.best_m = markers;
-    }
-    const Settings settings = settings_for(options, individuals, markers);
+AnalysisOptions Run::analysis_options() const {
     AnalysisOptions analysis;
-    analysis.threads = options.threads;
-    analysis.console = false;
-    analysis.folder = options.out + '/';
-    analysis.fdr_report = options.fdr_report;
-    if (!options.save_prepared.empty()) {
-        std::filesystem::create_directories(options.save_prepared);
-        analysis.save_prepared = options.save_prepared + '/';
+    analysis.threads = options_.threads;
+    analysis.console = options_.console;
+    analysis.folder = folder_.unfinished();
+    analysis.rank_all = true;
+    analysis.require_files = true;
+    analysis.fdr_report = options_.fdr_report;
+    if (!options_.save_prepared.empty()) analysis.save_prepared = options_.save_prepared + '/';
+    if (!options_.prepared.empty()) analysis.prepared = options_.prepared + '/';
+    return analysis;
+}
+
+RunSize Run::size() const {
+    return {.individuals = static_cast<double>(data_.genotypes.individuals()),
+            .markers = static_cast<double>(data_.genotypes.markers()),
+            .data_sets = parameters_.permutations + 1.0,
+            .best_m = static_cast<double>(parameters_.best_m),
+            .max_retain = static_cast<double>(parameters_.max_retain),
+            .threads = static_cast<double>(options_.threads),
+            .console = options_.console};
+}
+
+void Run::analyse_data() {
+    watch_.begin("analysis");
+    if (!options_.save_prepared.empty()) {
+        std::filesystem::create_directories(options_.save_prepared);
     }
-    if (!options.prepared.empty()) analysis.prepared = options.prepared + '/';
-    check_sizes(settings, analysis, true, diagnostics);
-    remove_results(options);
-    StudyData study{std::move(bed.genotypes), std::move(bed.phenotypes),
-                    MarkerTable::from_markers(bed.markers)};
-    PlainProgress progress;
-    const Result result = analyse(
-        study, settings, analysis, [](std::string_view) {}, diagnostics, progress);
-    std::cout << individuals << " individuals, " << markers << " markers\n"
-              << result.learners.size() << " base learners in the model\n"
-              << "overall p-value " << general(result.pvalue) << "\nresults in " << options.out
-              << '\n';
+    recorder_ =
+        std::make_unique<RunRecorder>(parameters_.permutations + 1, data_.genotypes.markers());
+    Progress progress(size(), terminal_, options_.quiet, *recorder_);
+    ConsoleFile console(folder_.unfinished() + "console.txt", options_.console, diagnostics_);
+    result_ = analyse(
+        data_, settings_, analysis_options(), [&](std::string_view text) { console.write(text); },
+        diagnostics_, progress);
+    console.end(watch_.total());
+    progress.finish();
+    recorder_->take_best(result_.columns);
+}
+
+void Run::write_tables() {
+    watch_.begin("tables and report");
+    std::vector<int> selected;
+    for (const int rank : result_.markers) selected.push_back(result_.columns[rank - 1]);
+    const MarkerRows rows(
+        study_.markers,
+        count_all_genotypes(data_.genotypes, PhenotypeRows(data_.phenotypes), options_.threads),
+        recorder_->record(), selected);
+    const ModelDescription description{.version = kVersion,
+                                       .format = request_.files.format,
+                                       .study = study_,
+                                       .data = data_,
+                                       .parameters = parameters_,
+                                       .result = result_,
+                                       .record = recorder_->record(),
+                                       .rows = rows,
+                                       .lambda_gc = rows.lambda_gc(options_.threads)};
+    const nlohmann::json model = write_results(description, folder_.unfinished(), options_.gzip,
+                                               options_.threads, diagnostics_);
+    summary_ = summary_text(description, model, options_.out, watch_.total());
+}
+
+void Run::finish() {
+    watch_.begin("checksums of the inputs");
+    log_.inputs = checksums_->take();
+    watch_.end();
+    diagnostics_.finish();
+    log_.stages = watch_.stages();
+    log_.terminal = terminal_.log() + summary_;
+    OutputFile file(folder_.unfinished() + "run.log", OutputFile::Mode::kTruncate, diagnostics_);
+    file << log_.text();
+    if (!file.close()) stop("", 1);
+    folder_.publish();
+    terminal_.print(summary_);
+}
+
+void add_output_options(CLI::App& run, RunOptions& options) {
+    constexpr const char* kOutput = "Output";
+    run.add_option("--out", options.out, "directory of the results")
+        ->type_name("DIR")
+        ->required()
+        ->group(kOutput);
+    run.add_flag("--force", options.force, "replace results that are there")->group(kOutput);
+    run.add_flag("--gzip", options.gzip, "markers.tsv.gz instead of markers.tsv")->group(kOutput);
+    run.add_flag("--console", options.console,
+                 "console.txt too: what the bare vort writes to its standard output")
+        ->group(kOutput);
+    run.add_flag("--fdr-report", options.fdr_report,
+                 "FDR_results.txt too: the observed data set's markers by false discovery rate")
+        ->group(kOutput);
+    run.add_flag("--quiet", options.quiet, "no progress on standard error")->group(kOutput);
+}
+
+void add_other_options(CLI::App& run, RunOptions& options) {
+    run.add_option("--threads", options.threads, "threads; any number gives the same results")
+        ->capture_default_str()
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024))
+        ->group("Resources");
+    constexpr const char* kSteps = "Steps and comparisons";
+    run.add_option("--save-prepared", options.save_prepared,
+                   "keep rankings and phenotypes of all data sets in DIR")
+        ->type_name("DIR")
+        ->group(kSteps);
+    run.add_option("--prepared", options.prepared, "take them from DIR instead of screening")
+        ->type_name("DIR")
+        ->group(kSteps);
+    run.add_option("--clustering", options.clustering,
+                   "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives")
+        ->capture_default_str()
+        ->type_name("K")
+        ->check(CLI::Range(0, 4))
+        ->group(kSteps);
 }
 
 }  // namespace
 
 CLI::App* add_run_command(CLI::App& app, RunOptions& options) {
-    CLI::App* const run = app.add_subcommand("run", "Analyse a study: all results in a directory");
-    run->get_formatter()->column_width(32);
-    run->add_option("--bfile", options.prefix, "PREFIX.bed, PREFIX.bim and PREFIX.fam")
-        ->type_name("PREFIX")
-        ->required()
-        ->group("Input");
-    run->add_option("--prepared", options.prepared,
-                    "take rankings and phenotypes from DIR, as --save-prepared left them")
-        ->type_name("DIR")
-        ->group("Input");
-    run->add_option("--out", options.out, "directory of the results")
-        ->type_name("DIR")
-        ->required()
-        ->group("Output");
-    run->add_flag("--force", options.force, "replace results that are there")->group("Output");
-    run->add_flag("--fdr-report", options.fdr_report,
-                  "list the markers of the observed data set by false discovery rate")
-        ->group("Output");
-    run->add_option("--save-prepared", options.save_prepared,
-                    "keep rankings and phenotypes of all data sets in DIR")
-        ->type_name("DIR")
-        ->group("Output");
-    run->add_option("--permutations", options.permutations, "permuted data sets")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 1000000))
-        ->group("Analysis");
-    run->add_option("--best-m", options.best_m, "best markers that are searched, pairs included")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 65536))
-        ->group("Analysis");
-    run->add_option("--max-retain", options.max_retain, "marker sets kept of each size")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 1000000))
-        ->group("Analysis");
-    run->add_option("--fdr", options.fdr, "cut-off of the step-up rules for marker sets")
-        ->capture_default_str()
-        ->check(CLI::Range(1e-6, 1.0))
-        ->group("Analysis");
-    run->add_option("--clustering", options.clustering,
-                    "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives")
-        ->capture_default_str()
-        ->check(CLI::Range(0, 4))
-        ->group("Analysis");
-    run->add_option("--threads", options.threads,
-                    "threads; the results are the same for any number")
-        ->capture_default_str()
-        ->check(CLI::Range(1, 1024))
-        ->group("Resources");
+    CLI::App* const run = app.add_subcommand("run", "analyse a study: all results in a directory");
+    add_input_options(*run, options.input);
+    add_analysis_options(*run, options.parameters);
+    add_output_options(*run, options);
+    add_other_options(*run, options);
     return run;
 }
 
-int run_study(const RunOptions& options) {
-    Diagnostics diagnostics(std::cerr);
-    try {
-        analyse_study(options, diagnostics);
-        return 0;
-    } catch (const InputError& error) {
-        std::cerr << "vort: " << error.text << '\n';
-        return kUnusableInput;
-    } catch (const Stop& stop) {
-        if (!stop.text.empty()) std::cerr << "vort: " << stop.text << '\n';
-        return kLackOfResources;
-    } catch (const std::exception& problem) {
-        std::cerr << "vort: " << problem.what() << '\n';
-        return kLackOfResources;
-    }
+void run_study(const RunOptions& options) {
+    Run(options).run();
 }
 
 }  // namespace vort

@@ -1,7 +1,11 @@
-// vort run: the analysis of a study in binary files.
+// vort run: the analysis of a study, all results in a directory.
 #pragma once
 
 #include <string>
+#include <vector>
+
+#include "cli/analysis_parameters.h"
+#include "cli/input_options.h"
 
 namespace CLI {
 class App;
@@ -10,24 +14,28 @@ class App;
 namespace vort {
 
 struct RunOptions {
-    std::string prefix;  // of the .bed, .bim and .fam files
-    std::string out;     // directory of the results
-    bool force = false;  // results that are there are replaced
-    int permutations = 200;
-    int best_m = 100;
-    int max_retain = 10;
-    double fdr = 0.75;
-    int clustering = 0;
+    InputOptions input;
+    AnalysisParameters parameters;
+    std::string out;       // directory of the results
+    bool force = false;    // results that are there are replaced
+    bool console = false;  // the engine's standard output, as a file
+    bool gzip = false;     // markers.tsv compressed
+    bool quiet = false;    // no progress
+    int threads = 1;
+
+    // Doors for comparisons and for those who work in steps.
     bool fdr_report = false;
+    int clustering = 0;
     std::string save_prepared;
     std::string prepared;
-    int threads = 1;
+
+    std::vector<std::string> words;  // the command line, for the log
 };
 
 // Adds the command; its options are stored in `options`, whose values are the defaults.
 CLI::App* add_run_command(CLI::App& app, RunOptions& options);
 
-// Returns the exit status.
-int run_study(const RunOptions& options);
+// Throws InputError, Stop, CLI::ValidationError and what the library throws.
+void run_study(const RunOptions& options);
 
 }  // namespace vort

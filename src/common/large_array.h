@@ -29,6 +29,16 @@ class LargeArray {
     T* data() { return data_.get(); }
     const T* data() const { return data_.get(); }
 
+    // Keeps what fits; what is new is not cleared. Large arrays are moved by the system's tables of
+    // pages, not copied. Throws std::bad_alloc, and is then as it was.
+    void resize(std::size_t size) {
+        T* const moved =
+            static_cast<T*>(std::realloc(data_.get(), std::max<std::size_t>(size, 1) * sizeof(T)));
+        if (moved == nullptr) throw std::bad_alloc();
+        static_cast<void>(data_.release());
+        data_.reset(moved);
+    }
+
   private:
     struct Free {
         void operator()(T* memory) const { std::free(memory); }

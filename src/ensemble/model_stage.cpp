@@ -125,7 +125,7 @@ void ModelStage::search(std::vector<Work>& window) {
     for_each_work(window, large, [this](Work& work, int threads) {
         work.kept = search_sets(*work.data, settings_, threads, wanted_, *rooms_.borrow());
         work.result.pair_search = work.kept.pair_statistics;
-        meter_.add(share_of_search());
+        meter_.add(work.kept.count() == 0 ? 1 : share_of_search());
     });
 }
 

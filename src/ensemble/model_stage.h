@@ -41,7 +41,7 @@ class ModelStage {
     // worked on, parts included. Nothing is owned but the settings.
     ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                std::span<const std::vector<int>> best, const BuilderSettings& settings, int threads,
-               bool wanted, std::function<void(double data_sets)> work);
+               bool wanted, std::function<void(double data_sets)> work = {});
 
     // Gets data sets in order. One whose run stops is handed on as far as it came, and its Stop is
     // thrown then.

@@ -62,6 +62,12 @@ void Genotypes::unpack(int j, signed char* codes) const {
     }
 }
 
+void Genotypes::let_go(int first, int last) const {
+    if (is_owned()) return;
+    const unsigned char* const from = column(first).data();
+    file_->let_go(from, static_cast<std::size_t>(last - first) * stride_);
+}
+
 void Genotypes::planes(int j, const GenotypePlanes& out) const {
     static const auto kernel =
         kernel_for(best_instructions(), []<Instructions I>() { return PlaneKernel<I>::planes; });

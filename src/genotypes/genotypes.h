@@ -57,6 +57,9 @@ class Genotypes {
     int individuals() const { return individuals_; }
     int markers() const { return markers_; }
 
+    // Whether the bytes are those of a file.
+    bool is_mapped() const { return file_ != nullptr; }
+
     // Bytes of a column.
     std::size_t stride() const { return stride_; }
 
@@ -81,6 +84,14 @@ class Genotypes {
     std::span<unsigned char> owned_column(int j) {
         return {owned_.data() + static_cast<std::size_t>(j) * stride_, stride_};
     }
+
+    bool is_owned() const { return file_ == nullptr; }
+
+    // The bytes of owned genotypes, for whoever packs them anew.
+    LargeArray<unsigned char> take_columns() && { return std::move(owned_); }
+
+    // Columns first .. last-1 are not needed for a while: those of a file need not stay in memory.
+    void let_go(int first, int last) const;
 
   private:
     int individuals_ = 0;

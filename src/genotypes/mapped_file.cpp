@@ -57,4 +57,13 @@ MappedFile::~MappedFile() {
     if (bytes_ != nullptr) ::munmap(const_cast<unsigned char*>(bytes_), size());
 }
 
+void MappedFile::let_go(const unsigned char* from, std::size_t size) const {
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    const auto offset = static_cast<std::size_t>(from - bytes_);
+    const std::size_t first = (offset + page - 1) / page * page;
+    const std::size_t last = (offset + size) / page * page;
+    if (last <= first) return;
+    ::madvise(const_cast<unsigned char*>(bytes_) + first, last - first, MADV_DONTNEED);
+}
+
 }  // namespace vort

@@ -20,6 +20,10 @@ class MappedFile {
     const unsigned char* bytes() const { return bytes_; }  // null where the file is empty
     std::size_t size() const { return size_; }
 
+    // The pages that lie within these bytes need not stay in memory; they are read again when they
+    // are looked at.
+    void let_go(const unsigned char* from, std::size_t size) const;
+
   private:
     std::string path_;
     std::size_t size_ = 0;

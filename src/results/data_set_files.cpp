@@ -30,10 +30,10 @@ std::vector<DataSetRow> data_set_rows(const RunRecord& record, std::span<const M
     for (const RunRecord::DataSet& data_set : record.data_sets) {
         DataSetRow row;
         row.data_set = static_cast<int>(rows.size());
-        row.smallest_p = data_set.smallest_p;
+        row.smallest_p = as_written(data_set.smallest_p);
         if (data_set.best >= 0) row.marker = markers[data_set.best].name;
         if (has_model) {
-            row.T = shown_statistic(data_set.statistic);
+            row.T = as_written(shown_statistic(data_set.statistic));
             row.learners = data_set.learners;
         } else if (row.data_set == 0) {
             row.learners = 0;

@@ -15,7 +15,8 @@
 
 namespace vort {
 
-// `has_model`: false where the observed data set has none, so that no other was tried.
+// Values are as they are written. `has_model`: false where the observed data set has none, so that
+// no other was tried.
 std::vector<DataSetRow> data_set_rows(const RunRecord& record, std::span<const MarkerInfo> markers,
                                       bool has_model);
 

@@ -4,6 +4,7 @@
 
 #include "common/parallel.h"
 #include "numeric/chi_square_upper.h"
+#include "results/table_text.h"
 #include "screening/five_model_statistics.h"
 #include "screening/stretch_screening.h"
 
@@ -121,8 +122,9 @@ void MarkerRows::fill_ranks(std::size_t j, MarkerRow& row) const {
     if (record_.observed.empty()) return;
     const double permutations = record_.permutations();
     const auto as_small = std::upper_bound(smallest_.begin(), smallest_.end(), record_.observed[j]);
-    row.emp1 = (record_.no_weaker[j] + 1.0) / (permutations + 1);
-    row.emp2 = (static_cast<double>(as_small - smallest_.begin()) + 1) / (permutations + 1);
+    row.emp1 = as_written((record_.no_weaker[j] + 1.0) / (permutations + 1));
+    row.emp2 =
+        as_written((static_cast<double>(as_small - smallest_.begin()) + 1) / (permutations + 1));
 }
 
 MarkerRow MarkerRows::row(std::size_t j) const {
@@ -138,6 +140,7 @@ MarkerRow MarkerRows::row(std::size_t j) const {
     row.in_model = in_model_[j] != 0;
     if (is_dropped(j)) return row;
     fill_tests(counts_[j], row);
+    row.p_min = as_written(row.p_min);
     fill_ranks(j, row);
     return row;
 }

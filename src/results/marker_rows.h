@@ -27,7 +27,8 @@ class MarkerRows {
 
     std::size_t size() const { return markers_.size(); }
 
-    // Line j. Safe from many threads at once.
+    // Line j; P_MIN, EMP1 and EMP2 as they are written, so that whatever is made of the rows can be
+    // made anew from the file. Safe from many threads at once.
     MarkerRow row(std::size_t j) const;
 
     long dropped() const;

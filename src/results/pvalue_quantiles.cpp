@@ -15,6 +15,8 @@
 #include <bit>
 #include <cmath>
 
+#include "results/table_text.h"
+
 namespace vort {
 
 namespace {
@@ -79,13 +81,13 @@ void PvalueQuantiles::add_permuted(std::span<const double> pvalues) {
 std::vector<QuantileRow> PvalueQuantiles::rows() const {
     std::vector<QuantileRow> rows;
     for (std::size_t i = 0; i < observed_.size(); ++i) {
-        QuantileRow row{.rank = ranks_[i], .observed = observed_[i]};
+        QuantileRow row{.rank = ranks_[i], .observed = as_written(observed_[i])};
         std::vector<float> sorted = permuted_[i];
         if (!sorted.empty()) {
             std::ranges::sort(sorted);
-            row.low = std::pow(10, quantile(sorted, 0.025));
-            row.expected = std::pow(10, quantile(sorted, 0.5));
-            row.high = std::pow(10, quantile(sorted, 0.975));
+            row.low = as_written(std::pow(10, quantile(sorted, 0.025)));
+            row.expected = as_written(std::pow(10, quantile(sorted, 0.5)));
+            row.high = as_written(std::pow(10, quantile(sorted, 0.975)));
         }
         rows.push_back(row);
     }

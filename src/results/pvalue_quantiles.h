@@ -19,8 +19,8 @@ class PvalueQuantiles {
     // p-values of one permuted data set, in any order; each in [0, 1].
     void add_permuted(std::span<const double> pvalues);
 
-    // A row for each rank that is kept; expectation and band are not available without permuted
-    // data sets.
+    // A row for each rank that is kept, its values as they are written; expectation and band are
+    // not available without permuted data sets.
     std::vector<QuantileRow> rows() const;
 
   private:

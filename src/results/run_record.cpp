@@ -26,6 +26,10 @@ void RunRecorder::screened(const ScreenedView& view) {
     }
 }
 
+void RunRecorder::take_best(std::span<const int> best) {
+    if (record_.ranking.empty()) record_.ranking.assign(best.begin(), best.end());
+}
+
 void RunRecorder::modelled(const ModelledView& view) {
     record_.data_sets[view.data_set].statistic = view.statistic;
     record_.data_sets[view.data_set].learners = view.learners;

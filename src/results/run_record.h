@@ -38,6 +38,9 @@ class RunRecorder : public Observer {
     void screened(const ScreenedView& view) override;
     void modelled(const ModelledView& view) override;
 
+    // Columns of the best markers by rank, for a run that did not screen.
+    void take_best(std::span<const int> best);
+
     const RunRecord& record() const { return record_; }
 
   private:

@@ -22,6 +22,11 @@ inline void put_number(Transcript& out, double value) {
     }
 }
 
+// The value as a reader of the table gets it.
+inline double as_written(double value) {
+    return std::isnan(value) ? value : as_read_back(general(value));
+}
+
 // The lines of such a table, which `header` must begin. Throws InputError where the file cannot be
 // read, and where a line or a value is not as expected.
 class TableReader {

@@ -54,6 +54,7 @@ class Analysis {
     EnsembleOptions ensemble_options();
     Result model_and_report();
     void leave(const IntermediateTexts& texts);
+    void write(const char* name, OutputFile::Mode mode, const std::string& text);
     void write_pvalues(const Result& result);
     void write_report(const Result& result);
     OutputFile open(const char* name, OutputFile::Mode mode) {
@@ -78,7 +79,7 @@ void Analysis::screen() {
     screening.transcript = options_.console;
     screening.kept = kept();
     screening.rank_all = options_.rank_all;
-    screening.work = [this](double done) { observer_.working(Stage::kScreening, done); };
+    screening.work = [this](double done) { observer_.working(Stage::kScreen, done); };
     screening.batch_bytes =
         batch_bytes_for(study_.genotypes.individuals(), study_.genotypes.markers());
     if (options_.fdr_report) screening.fdr_report = options_.folder + "FDR_results.txt";
@@ -135,7 +136,7 @@ EnsembleOptions Analysis::ensemble_options() {
     ensemble.progress = [this](int d, double statistic, int learners) {
         observer_.modelled({d, settings_.builder.permutations + 1, statistic, learners});
     };
-    ensemble.work = [this](double done) { observer_.working(Stage::kModels, done); };
+    ensemble.work = [this](double done) { observer_.working(Stage::kModel, done); };
     return ensemble;
 }
 
@@ -162,21 +163,27 @@ void Analysis::leave(const IntermediateTexts& texts) {
     }
 }
 
+void Analysis::write(const char* name, OutputFile::Mode mode, const std::string& text) {
+    OutputFile file = open(name, mode);
+    file << text;
+    if (!file.close() && options_.require_files) stop("", 1);
+}
+
 void Analysis::write_pvalues(const Result& result) {
     OutputFile file = open("P_value.txt", OutputFile::Mode::kTruncate);
-    if (!file.is_open()) stop("");
+    if (!file.is_open()) stop("", options_.require_files ? 1 : 0);
     file << pvalue_text(result);
+    if (!file.close() && options_.require_files) stop("", 1);
 }
 
 // The names come last: a marker table that cannot be used stops the run behind the report.
 void Analysis::write_report(const Result& result) {
     Transcript echo(options_.console);
-    const std::string text =
-        report_text({settings_, study_.genotypes, study_.phenotypes}, result, echo);
-    open("Final_result.txt", OutputFile::Mode::kTruncate) << text;
+    write("Final_result.txt", OutputFile::Mode::kTruncate,
+          report_text({settings_, study_.genotypes, study_.phenotypes}, result, echo));
     say(echo);
-    const std::string names = marker_names_text(settings_, result, study_.markers);
-    open("Final_result.txt", OutputFile::Mode::kAppend) << names;
+    write("Final_result.txt", OutputFile::Mode::kAppend,
+          marker_names_text(settings_, result, study_.markers));
 }
 
 }  // namespace

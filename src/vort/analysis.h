@@ -40,7 +40,7 @@ struct ModelledView {
     int learners;      // base learners in the model
 };
 
-enum class Stage { kScreening, kModels };
+enum class Stage { kScreen, kModel };
 
 // What an analysis tells as it goes; none of it changes a result. Called in the order of the data
 // sets, from one thread at a time.
@@ -57,12 +57,13 @@ class Observer {
 
 struct AnalysisOptions {
     int threads = 1;
-    bool console = true;        // whether console text is wanted at all
-    std::string folder;         // in front of every file written; "" or ending with a slash
-    bool rank_all = false;      // the observer gets the observed data set's complete ranking
-    bool fdr_report = false;    // writes "FDR_results.txt"
-    std::string save_prepared;  // prefix of prepared files to be written; none where empty
-    std::string prepared;       // prefix of prepared files to take rankings and phenotypes from
+    bool console = true;         // whether console text is wanted at all
+    std::string folder;          // in front of every file written; "" or ending with a slash
+    bool rank_all = false;       // the observer gets the observed data set's complete ranking
+    bool require_files = false;  // a report that cannot be written stops the run, with status 1
+    bool fdr_report = false;     // writes "FDR_results.txt"
+    std::string save_prepared;   // prefix of prepared files to be written; none where empty
+    std::string prepared;        // prefix of prepared files to take rankings and phenotypes from
 };
 
 using Console = std::function<void(std::string_view)>;

@@ -1,0 +1,113 @@
+#include "cli/input_options.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace vort {
+
+namespace {
+
+constexpr const char* kInput = "Input, one of --bfile, --vcf, --raw, --study";
+constexpr const char* kPhenotype = "Phenotype";
+constexpr const char* kFilters = "Filters, as in PLINK 1.9 and in its order";
+
+template <typename T>
+void add(CLI::App& command, const char* group, const char* name, T& value, const char* type,
+         const char* text) {
+    command.add_option(name, value, text)->type_name(type)->group(group);
+}
+
+void add_files(CLI::App& command, InputOptions& options) {
+    StudyFiles& files = options.request.files;
+    add(command, kInput, "--bfile", options.bfile, "PREFIX",
+        "PREFIX.bed, PREFIX.bim and PREFIX.fam; A1 is counted");
+    add(command, kInput, "--bed", files.bed, "FILE", "this .bed instead");
+    add(command, kInput, "--bim", files.bim, "FILE", "this .bim instead; or the .bim of --raw");
+    add(command, kInput, "--fam", files.fam, "FILE", "this .fam instead");
+    add(command, kInput, "--vcf", files.vcf, "FILE",
+        "VCF, plain or bgzipped, or BCF; ALT is counted, --pheno is needed");
+    add(command, kInput, "--raw", files.raw, "FILE", "additive recoding: FID IID ... ID_ALLELE");
+    add(command, kInput, "--study", files.directory, "DIR",
+        "a directory with parameter.txt, as the bare vort reads it");
+}
+
+void add_phenotype(CLI::App& command, PhenotypeSource& phenotype) {
+    add(command, kPhenotype, "--pheno", phenotype.file, "FILE",
+        "FID, IID and phenotypes [default: the input's own]");
+    add(command, kPhenotype, "--pheno-name", phenotype.name, "NAME",
+        "the column of --pheno [default: the third]");
+    command
+        .add_flag("--1", phenotype.control_is_0,
+                  "0 is a control and 1 a case [default: 1 and 2; 0, -9 and NA are missing]")
+        ->group(kPhenotype);
+}
+
+void add_filters(CLI::App& command, Filters& filters) {
+    const CLI::Range share(0.0, 1.0);
+    add(command, kFilters, "--keep", filters.keep, "FILE", "only these individuals (FID IID)");
+    add(command, kFilters, "--remove", filters.remove, "FILE", "all but these individuals");
+    add(command, kFilters, "--extract", filters.extract, "FILE", "only these markers");
+    add(command, kFilters, "--exclude", filters.exclude, "FILE", "all but these markers");
+    add(command, kFilters, "--chr", filters.chromosomes, "LIST",
+        "only these chromosomes, as in 1-4,22,X [default: 1 to 26]");
+    const auto add_rate = [&](const char* name, std::optional<double>& rate, const char* text) {
+        command.add_option(name, rate, text)->type_name("X")->check(share)->group(kFilters);
+    };
+    add_rate("--mind", filters.mind, "individuals that miss at most this share of genotypes");
+    add_rate("--geno", filters.geno, "markers that miss at most this share of genotypes");
+    add_rate("--maf", filters.maf, "markers with at least this minor allele frequency");
+    add_rate("--hwe", filters.hwe,
+             "markers whose exact Hardy-Weinberg test in controls has at least this p-value");
+}
+
+[[noreturn]] void misused(const std::string& text) {
+    throw CLI::ValidationError(text, CLI::ExitCodes::ValidationError);
+}
+
+StudyFormat format_of(const InputOptions& options) {
+    const StudyFiles& files = options.request.files;
+    const bool bed = !options.bfile.empty() || !files.bed.empty() || !files.fam.empty();
+    const bool vcf = !files.vcf.empty();
+    const bool raw = !files.raw.empty();
+    const bool directory = !files.directory.empty();
+    if (int{bed} + int{vcf} + int{raw} + int{directory} != 1) {
+        misused("exactly one of --bfile, --vcf, --raw and --study is expected");
+    }
+    if (vcf) return StudyFormat::kVcf;
+    if (raw) return StudyFormat::kRaw;
+    return directory ? StudyFormat::kDirectory : StudyFormat::kBed;
+}
+
+}  // namespace
+
+void add_input_options(CLI::App& command, InputOptions& options) {
+    add_files(command, options);
+    add_phenotype(command, options.request.phenotype);
+    add_filters(command, options.request.filters);
+}
+
+StudyRequest study_request(const InputOptions& options) {
+    StudyRequest request = options.request;
+    StudyFiles& files = request.files;
+    files.format = format_of(options);
+    if (files.format == StudyFormat::kBed) {
+        for (const auto& [file, ending] :
+             {std::pair{&files.bed, ".bed"}, std::pair{&files.bim, ".bim"},
+              std::pair{&files.fam, ".fam"}}) {
+            if (!file->empty()) continue;
+            if (options.bfile.empty()) misused("--bfile PREFIX, or all of --bed, --bim and --fam");
+            *file = options.bfile + ending;
+        }
+    } else if (!files.bim.empty() && files.format != StudyFormat::kRaw) {
+        misused("--bim goes with --bfile or --raw");
+    }
+    if (files.format == StudyFormat::kVcf && request.phenotype.file.empty()) {
+        misused("--vcf needs --pheno FILE, since a VCF has no phenotypes");
+    }
+    if (request.phenotype.file.empty() && !request.phenotype.name.empty()) {
+        misused("--pheno-name names a column of --pheno FILE");
+    }
+    return request;
+}
+
+}  // namespace vort

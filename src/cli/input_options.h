@@ -1,0 +1,26 @@
+// What a command works on: input, phenotype and filters.
+#pragma once
+
+#include <string>
+
+#include "study/study.h"
+
+namespace CLI {
+class App;
+}
+
+namespace vort {
+
+struct InputOptions {
+    std::string bfile;  // PREFIX of the three files
+    StudyRequest request;
+};
+
+// Adds the options; their values go to `options`, which outlives the command.
+void add_input_options(CLI::App& command, InputOptions& options);
+
+// What they ask for, once the command line is read. Throws CLI::ValidationError where not exactly
+// one input is named.
+StudyRequest study_request(const InputOptions& options);
+
+}  // namespace vort

@@ -1,0 +1,27 @@
+// What a run leaves in its folder, and the names of its files.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "common/diagnostics.h"
+#include "results/model_json.h"
+
+namespace vort {
+
+inline constexpr std::array kRunResults = {
+    "P_value.txt",    "Final_result.txt", "console.txt",    "markers.tsv",
+    "markers.tsv.gz", "permutations.tsv", "quantiles.tsv",  "model.json",
+    "report.html",    "run.log",          "FDR_results.txt"};
+
+// Writes the tables, model.json and report.html into `folder`, which ends with a slash, and returns
+// what stands in model.json. A file that cannot be written to its end stops the run.
+nlohmann::json write_results(const ModelDescription& run, const std::string& folder, bool gzip,
+                             int threads, Diagnostics& diagnostics);
+
+// report.html anew from the other files in `from`, into `folder`; both end with a slash. Throws
+// InputError where these cannot be read.
+void write_report_page(const std::string& from, const std::string& folder,
+                       Diagnostics& diagnostics);
+
+}  // namespace vort

@@ -1,0 +1,103 @@
+#include "cli/summary.h"
+
+#include <algorithm>
+
+#include "cli/version.h"
+#include "report/model_view.h"
+#include "report/wording.h"
+
+namespace vort {
+
+namespace {
+
+constexpr std::size_t kBestShown = 3;
+constexpr std::size_t kLearnersShown = 3;
+constexpr std::size_t kTitle = 14;
+
+// A title in a column of its own; empty in front of a line that goes on.
+std::string line(std::string_view title, const std::string& text) {
+    std::string out(title);
+    out.resize(std::max(kTitle, out.size() + 1), ' ');
+    return out + text + '\n';
+}
+
+std::string seconds_text(double seconds) {
+    if (seconds < 100) return decimal(seconds, 1) + " s";
+    const long whole = static_cast<long>(seconds);
+    if (whole < 7200)
+        return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+    return std::to_string(whole / 3600) + " h " + std::to_string(whole / 60 % 60) + " min";
+}
+
+std::string left_out_text(const ModelView& model) {
+    const long individuals = model.individuals_read - model.individuals;
+    const long markers = model.markers_read - model.markers;
+    std::string text = counted(individuals, "individuals") + ", " + counted(markers, "markers");
+    if (model.dropped > 0) {
+        text += "; " + counted(model.dropped, "markers") + " not tested for missing genotypes";
+    }
+    return text;
+}
+
+std::string best_markers(const ModelDescription& run) {
+    std::string out;
+    const auto& ranking = run.record.ranking;
+    for (std::size_t k = 0; k < std::min(ranking.size(), kBestShown); ++k) {
+        const MarkerRow row = run.rows.row(ranking[k]);
+        if (!(row.p_min >= 0)) break;
+        std::string text = std::string(row.name) + ", chromosome " +
+                           chromosome_name(row.chromosome) + ": p = " + p_text(row.p_min);
+        if (row.emp2 >= 0) text += ", EMP2 = " + p_text(row.emp2);
+        out += line(k == 0 ? "Best markers" : "", text);
+    }
+    return out.empty() ? line("Best markers", "none could be tested") : out;
+}
+
+std::string model_lines(const ModelView& model) {
+    if (!model.has_model) return line("Model", "none: no marker or pair passed the step-up rule");
+    std::vector<const Learner*> strongest;
+    for (const Learner& learner : model.learners) strongest.push_back(&learner);
+    std::ranges::stable_sort(strongest, [](const Learner* a, const Learner* b) {
+        return std::abs(a->coefficient) > std::abs(b->coefficient);
+    });
+    std::string out = line("Model", counted(std::ssize(model.learners), "base learners") + " on " +
+                                        counted(std::ssize(model.weighed), "markers") +
+                                        ", T = " + decimal(model.T0, 3));
+    for (std::size_t b = 0; b < std::min(strongest.size(), kLearnersShown); ++b) {
+        const Learner& learner = *strongest[b];
+        std::string names = learner.markers.front().name;
+        if (learner.markers.size() > 1) names += " x " + learner.markers.back().name;
+        out += line("", names + ": " + rule_text(learner.markers, learner.cells) + ", risk " +
+                            (learner.risk_difference < 0 ? "" : "+") +
+                            decimal(100 * learner.risk_difference, 0) + " points");
+    }
+    const std::size_t others = strongest.size() - std::min(strongest.size(), kLearnersShown);
+    if (others > 0) out += line("", "and " + counted(static_cast<long>(others), "others"));
+    return out;
+}
+
+std::string significance(const ModelView& model) {
+    if (!model.permuted()) return line("Overall p", "not available without permutations");
+    if (!model.has_model) return line("Overall p", "1, since there is no model");
+    return line("Overall p", p_text(model.p) + " (95 % interval " + p_text(model.p_low) + " to " +
+                                 p_text(model.p_high) + "): " + counted(model.stronger, "of") +
+                                 ' ' + grouped(model.permutations) +
+                                 " permuted data sets gave a stronger model");
+}
+
+}  // namespace
+
+std::string summary_text(const ModelDescription& run, const nlohmann::json& json,
+                         const std::string& folder, double seconds) {
+    const ModelView model = read_model_view(json);
+    return line("Study", counted(model.individuals, "individuals") + " (" +
+                             counted(model.cases, "cases") + ", " +
+                             counted(model.controls, "controls") + "), " +
+                             counted(model.markers, "markers")) +
+           line("Left out", left_out_text(model)) + best_markers(run) + model_lines(model) +
+           significance(model) + line("Report", folder + "/report.html") +
+           line("Tables", folder + "/markers.tsv" + " and others; see " + folder + "/run.log") +
+           line("Time", seconds_text(seconds));
+}
+
+}  // namespace vort
