@@ -51,7 +51,7 @@ double three_digits(double value) {
 MarkerPoints::MarkerPoints(long markers) : thin_(markers > kUnthinned) {}
 
 void MarkerPoints::add(const MarkerRow& row) {
-    if (row.dropped()) return;
+    if (!has_point(row)) return;
     Extent& extent =
         extents_.try_emplace(row.chromosome, Extent{row.position, row.position}).first->second;
     extent.first = std::min(extent.first, row.position);

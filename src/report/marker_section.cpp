@@ -44,7 +44,7 @@ std::string legend(const ModelView& view, std::optional<double> line, std::size_
 std::vector<double> permuted_minima(std::span<const DataSetRow> data_sets) {
     std::vector<double> minima;
     for (const DataSetRow& row : data_sets) {
-        if (row.data_set > 0) minima.push_back(row.smallest_p);
+        if (row.data_set > 0 && row.smallest_p >= 0) minima.push_back(row.smallest_p);
     }
     std::sort(minima.begin(), minima.end());
     return minima;
@@ -62,7 +62,7 @@ std::optional<double> study_wide_p(std::span<const DataSetRow> data_sets) {
 
 void MarkerSection::add(const MarkerRow& row) {
     points_.add(row);
-    if (row.dropped()) return;
+    if (!MarkerPoints::has_point(row)) return;
     genome_wide_ += row.p_min <= kGenomeWide;
     study_wide_ += row.emp2 <= 0.05;
     if (row.rank > kTopMarkers) return;
@@ -118,7 +118,10 @@ void MarkerSection::parts(const ModelView& view, std::span<const DataSetRow> dat
                           PageParts& parts, nlohmann::json& data) const {
     data["permuted"] = view.permuted();
     if (points_.seen() == 0) {
-        parts["markers"] = element("p", "No marker was tested, so there is nothing to draw.");
+        parts["markers"] = element(
+            "p", view.tested() > 0 ? "The rankings were taken from files, so there are no p-values "
+                                     "of markers to draw."
+                                   : "No marker was tested, so there is nothing to draw.");
         return;
     }
     const std::optional<double> line = study_wide_p(data_sets);

@@ -195,6 +195,7 @@ std::string copies_text(const Locus& locus, int copies) {
 
 std::string rule_text(const std::vector<Locus>& markers,
                       const std::vector<std::vector<int>>& cells) {
+    if (cells.empty()) return "people of whom none has complete genotypes";
     const std::vector<Clause> clauses = clauses_of(cells, markers.size() == 2);
     const bool carriers = is_of_carriers(clauses);
     const std::string join = carriers ? "of " : "with ";
