@@ -266,7 +266,10 @@ void write_page(const std::string& path, const Made& made) {
     const json results = make_results(made, markers, data_sets);
     vort::ReportPage page(made.markers);
     for (MadeMarker& marker : markers) {
-        if (!made.tested) marker.row.rank = 0;
+        if (!made.tested) {
+            marker.row = MarkerRow();
+            marker.row.name = marker.name;
+        }
         page.add(marker.row);
     }
     std::vector<QuantileRow> quantiles;
