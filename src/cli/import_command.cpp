@@ -4,6 +4,7 @@
 
 #include "cli/account.h"
 #include "cli/interruption.h"
+#include "cli/ranges.h"
 #include "cli/result_folder.h"
 #include "study/study_directory.h"
 
@@ -25,10 +26,9 @@ CLI::App* add_import_command(CLI::App& app, ImportOptions& options) {
         ->required()
         ->group("Output");
     import->add_flag("--force", options.force, "replace a study that is there")->group("Output");
-    import->add_option("--threads", options.threads, "threads")
-        ->capture_default_str()
+    import->add_option("--threads", options.threads, "threads [default: all processors]")
         ->type_name("N")
-        ->check(CLI::Range(1, 1024))
+        ->check(within(1, 1024))
         ->group("Resources");
     return import;
 }

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "cli/ranges.h"
+
 namespace vort {
 
 namespace {
@@ -43,7 +45,6 @@ void add_phenotype(CLI::App& command, PhenotypeSource& phenotype) {
 }
 
 void add_filters(CLI::App& command, Filters& filters) {
-    const CLI::Range share(0.0, 1.0);
     add(command, kFilters, "--keep", filters.keep, "FILE", "only these individuals (FID IID)");
     add(command, kFilters, "--remove", filters.remove, "FILE", "all but these individuals");
     add(command, kFilters, "--extract", filters.extract, "FILE", "only these markers");
@@ -51,7 +52,10 @@ void add_filters(CLI::App& command, Filters& filters) {
     add(command, kFilters, "--chr", filters.chromosomes, "LIST",
         "only these chromosomes, as in 1-4,22,X [default: 1 to 26]");
     const auto add_rate = [&](const char* name, std::optional<double>& rate, const char* text) {
-        command.add_option(name, rate, text)->type_name("X")->check(share)->group(kFilters);
+        command.add_option(name, rate, text)
+            ->type_name("X")
+            ->check(within(0.0, 1.0))
+            ->group(kFilters);
     };
     add_rate("--mind", filters.mind, "individuals that miss at most this share of genotypes");
     add_rate("--geno", filters.geno, "markers that miss at most this share of genotypes");

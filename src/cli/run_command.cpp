@@ -8,6 +8,7 @@
 #include "cli/checksums.h"
 #include "cli/interruption.h"
 #include "cli/progress.h"
+#include "cli/ranges.h"
 #include "cli/result_folder.h"
 #include "cli/results.h"
 #include "cli/run_log.h"
@@ -232,10 +233,10 @@ void add_output_options(CLI::App& run, RunOptions& options) {
 }
 
 void add_other_options(CLI::App& run, RunOptions& options) {
-    run.add_option("--threads", options.threads, "threads; any number gives the same results")
-        ->capture_default_str()
+    run.add_option("--threads", options.threads,
+                   "threads; any number gives the same results [default: all processors]")
         ->type_name("N")
-        ->check(CLI::Range(1, 1024))
+        ->check(within(1, 1024))
         ->group("Resources");
     constexpr const char* kSteps = "Steps and comparisons";
     run.add_option("--save-prepared", options.save_prepared,
@@ -246,10 +247,10 @@ void add_other_options(CLI::App& run, RunOptions& options) {
         ->type_name("DIR")
         ->group(kSteps);
     run.add_option("--clustering", options.clustering,
-                   "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives")
-        ->capture_default_str()
+                   "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives "
+                   "[default: 0]")
         ->type_name("K")
-        ->check(CLI::Range(0, 4))
+        ->check(within(0, 4))
         ->group(kSteps);
 }
 

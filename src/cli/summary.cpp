@@ -32,9 +32,11 @@ std::string seconds_text(double seconds) {
 std::string left_out_text(const ModelView& model) {
     const long individuals = model.individuals_read - model.individuals;
     const long markers = model.markers_read - model.markers;
-    std::string text = counted(individuals, "individuals") + ", " + counted(markers, "markers");
+    std::string text = counted(individuals, "individuals") + " and " + counted(markers, "markers");
+    if (individuals == 0 && markers == 0) text = "nothing";
     if (model.dropped > 0) {
-        text += "; " + counted(model.dropped, "markers") + " not tested for missing genotypes";
+        text +=
+            "; " + counted(model.dropped, "markers") + " not tested, too many genotypes missing";
     }
     return text;
 }
@@ -79,9 +81,12 @@ std::string model_lines(const ModelView& model) {
 std::string significance(const ModelView& model) {
     if (!model.permuted()) return line("Overall p", "not available without permutations");
     if (!model.has_model) return line("Overall p", "1, since there is no model");
-    return line("Overall p", p_text(model.p) + " (95 % interval " + p_text(model.p_low) + " to " +
-                                 p_text(model.p_high) + "): " + counted(model.stronger, "of") +
-                                 ' ' + grouped(model.permutations) +
+    const std::string all = grouped(model.permutations);
+    const bool none = model.stronger == 0;
+    const std::string p = none ? "below 1 in " + all : p_text(model.p);
+    const std::string low = none ? "up to " : p_text(model.p_low) + " to ";
+    return line("Overall p", p + " (95 % interval " + low + p_text(model.p_high) +
+                                 "): " + (none ? "none" : grouped(model.stronger)) + " of " + all +
                                  " permuted data sets gave a stronger model");
 }
 

@@ -40,7 +40,8 @@ INPUTS = {
 
 
 def settings(permutations="4"):
-    return ["--permutations", permutations, "--best-m", "12", "--max-retain", "10"]
+    return ["--permutations", permutations, "--best-m", "12", "--max-retain", "10",
+            "--fdr", "0.75"]
 
 
 def table(path):
