@@ -8,7 +8,7 @@
 namespace vort {
 namespace {
 
-constexpr int kTopMarkers = 10;
+constexpr std::size_t kTopMarkers = 10;
 constexpr double kGenomeWide = 5e-8;
 
 std::string model_name(const std::string& model) {
@@ -65,11 +65,16 @@ void MarkerSection::add(const MarkerRow& row) {
     if (!MarkerPoints::has_point(row)) return;
     genome_wide_ += row.p_min <= kGenomeWide;
     study_wide_ += row.emp2 <= 0.05;
-    if (row.rank > kTopMarkers) return;
-    const auto place = std::find_if(top_.begin(), top_.end(),
-                                    [&](const TopMarker& top) { return top.row.rank > row.rank; });
+    // The ranks say the same, but are not always known.
+    const auto is_better = [](const MarkerRow& one, const MarkerRow& other) {
+        return std::pair(one.p_min, one.rank) < std::pair(other.p_min, other.rank);
+    };
+    if (top_.size() == kTopMarkers && !is_better(row, top_.back().row)) return;
+    const auto place =
+        std::ranges::find_if(top_, [&](const TopMarker& top) { return is_better(row, top.row); });
     top_.insert(place, TopMarker{row, shortened(row.name, kLongestName), std::string(row.a1),
                                  std::string(row.a2), std::string(row.model)});
+    if (top_.size() > kTopMarkers) top_.pop_back();
 }
 
 std::string MarkerSection::table(const ModelView& view) const {
@@ -87,7 +92,7 @@ std::string MarkerSection::table(const ModelView& view) const {
                     {"In the model"}});
     for (const TopMarker& top : top_) {
         const MarkerRow& row = top.row;
-        table.add({grouped(row.rank), top.name, p_text(row.p_min),
+        table.add({row.rank > 0 ? grouped(row.rank) : "\u2013", top.name, p_text(row.p_min),
                    view.permuted() ? p_text(row.emp2) : "\u2013", model_name(top.model),
                    chromosome_name(row.chromosome), grouped(row.position),
                    shortened(top.a1, 16) + ", " + shortened(top.a2, 16),

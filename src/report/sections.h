@@ -42,7 +42,7 @@ class MarkerSection {
     std::string note(const ModelView& view) const;
 
     MarkerPoints points_;
-    std::vector<TopMarker> top_;  // by rank
+    std::vector<TopMarker> top_;  // by p
     long genome_wide_ = 0;        // markers with p <= 5e-8
     long study_wide_ = 0;         // markers with EMP2 <= 0.05
 };

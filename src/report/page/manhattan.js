@@ -55,7 +55,7 @@ function markerLines(columns, point, permuted) {
     `alleles ${columns.allele_pairs[columns.alleles[at]]}`,
     `p ${words.p(point.p)}, ${words.model[columns.model[at]]}`,
     ...(permuted ? [`EMP2 ${words.digits(emp2, 3)}`] : []),
-    `rank ${words.grouped(columns.rank[at])}`,
+    ...(columns.rank[at] > 0 ? [`rank ${words.grouped(columns.rank[at])}`] : []),
   ];
 }
 
