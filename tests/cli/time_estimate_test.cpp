@@ -10,7 +10,7 @@ TEST(TimeEstimate, IsWithinAFifthOnceATenthIsDone) {
     const RunSize size{
         .individuals = 547, .markers = 541325, .data_sets = 101, .best_m = 100, .max_retain = 10};
     for (const double slowness : {0.3, 1.0, 4.0}) {
-        for (const double model : {0.6, 1.0, 1.7}) {
+        for (const double model : {0.6, 1.0, 1.4}) {
             const double screening = 0.0347 * slowness;  // seconds a data set
             const double modelling = 0.0097 * slowness * model;
             const double whole = size.data_sets * (screening + modelling);
