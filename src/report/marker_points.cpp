@@ -12,7 +12,6 @@ namespace {
 constexpr std::size_t kBandPoints = 700;
 constexpr std::size_t kBytes = 1'000'000;       // of all points, where the page is thinned
 constexpr std::size_t kLeastBandBytes = 5'000;  // however many points are always kept
-constexpr std::size_t kLongestAlleleName = 24;
 
 std::size_t bytes_of(const MarkerPoint& point) {
     return point.name.size() + 25;  // its numbers
@@ -58,9 +57,9 @@ void MarkerPoints::add(const MarkerRow& row) {
     extent.last = std::max(extent.last, row.position);
     ++extent.markers;
 
-    const std::string pair =
-        shortened(row.a1, kLongestAlleleName) + "/" + shortened(row.a2, kLongestAlleleName);
-    const int alleles = allele_pairs_.try_emplace(pair, int(allele_pairs_.size())).first->second;
+    const int alleles =
+        allele_pairs_.try_emplace(alleles_text(row.a1, row.a2), int(allele_pairs_.size()))
+            .first->second;
     MarkerPoint point{seen_++,      row.chromosome,
                       row.position, row.rank,
                       alleles,      model_letter(row.model),

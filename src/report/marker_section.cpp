@@ -88,15 +88,14 @@ std::string MarkerSection::table(const ModelView& view) const {
                     {"Smallest under"},
                     {"Chromosome", Kind::kNumber},
                     {"Position", Kind::kNumber},
-                    {"A1, A2"},
+                    {"A1/A2"},
                     {"In the model"}});
     for (const TopMarker& top : top_) {
         const MarkerRow& row = top.row;
         table.add({row.rank > 0 ? grouped(row.rank) : "\u2013", top.name, p_text(row.p_min),
                    view.permuted() ? p_text(row.emp2) : "\u2013", model_name(top.model),
                    chromosome_name(row.chromosome), grouped(row.position),
-                   shortened(top.a1, 16) + ", " + shortened(top.a2, 16),
-                   row.in_model ? "yes" : ""});
+                   alleles_text(top.a1, top.a2), row.in_model ? "yes" : ""});
     }
     return table.html();
 }

@@ -258,8 +258,9 @@ std::string bars_html(const ModelView& view) {
         importance += " " + marker.locus.name + " " + decimal(marker.importance, 1) + " %";
     }
     return "<div class=\"halves\"><div>" + element("h3", "Coefficients of the base learners") +
-           chart_figure("coefficients", coefficients,
-                        "To the right: more cases in the group than outside it.") +
+           chart_figure(
+               "coefficients", coefficients,
+               "To the right: a higher fitted risk in the group; to the left: a lower one.") +
            "</div><div>" + element("h3", "Importance of the markers") +
            chart_figure("importance", importance,
                         "Per cent of the model\u2019s weight; a pair\u2019s is shared by its two "

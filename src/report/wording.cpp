@@ -15,7 +15,7 @@ std::string printed(const char* format, int digits, double value) {
     return text.data();
 }
 
-bool is_known(const std::string& allele) {
+bool is_known(std::string_view allele) {
     return !allele.empty() && allele != "0" && allele != ".";
 }
 
@@ -174,6 +174,12 @@ std::string shortened(std::string_view text, std::size_t longest) {
     std::size_t end = longest - 1;
     while (end > 0 && (text[end] & 0xC0) == 0x80) --end;  // not within a character
     return std::string(text.substr(0, end)) + "\u2026";
+}
+
+std::string alleles_text(std::string_view a1, std::string_view a2) {
+    constexpr std::size_t kLongest = 16;
+    if (!is_known(a1)) return {};
+    return shortened(a1, kLongest) + (is_known(a2) ? "/" + shortened(a2, kLongest) : "");
 }
 
 std::string genotype_letters(const Locus& locus, int copies) {

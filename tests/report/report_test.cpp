@@ -69,6 +69,8 @@ TEST(Wording, RulesOfGenotypes) {
     EXPECT_EQ(genotype_letters(first, 1), "AG");
     EXPECT_EQ(genotype_letters({"i", 1, 1, "A", "ATG", 1}, 0), "ATG/ATG");
     EXPECT_EQ(genotype_letters(nameless, 0), "");
+    EXPECT_EQ(alleles_text("A", "G") + ", " + alleles_text("A", "0") + alleles_text(".", ""),
+              "A/G, A");
 }
 
 // Every rule holds of exactly its cells: the clauses of all 511 groups of a pair are read back.
