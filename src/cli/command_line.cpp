@@ -10,6 +10,7 @@
 #include <iostream>
 #include <new>
 #include <string>
+#include <system_error>
 
 #include "cli/exit_status.h"
 #include "cli/import_command.h"
@@ -158,6 +159,10 @@ int run_command(const Commands& commands) {
         return say(stop.text, kLackOfResources);
     } catch (const std::bad_alloc&) {
         return say("the memory does not suffice", kLackOfResources);
+    } catch (const std::system_error& problem) {
+        const bool thread = problem.code() == std::errc::resource_unavailable_try_again;
+        return say(problem.what() + std::string(thread ? "; no thread; try fewer --threads" : ""),
+                   kLackOfResources);
     } catch (const std::exception& problem) {
         return say(problem.what(), kLackOfResources);
     }

@@ -12,7 +12,7 @@ namespace vort {
 
 namespace {
 
-constexpr const char* kStudyFiles[] = {"parameter.txt", "dat1.txt", "Chromosome_SNP_Name.txt"};
+constexpr const char* kStudyFiles[] = {"dat1.txt", "Chromosome_SNP_Name.txt", "parameter.txt"};
 
 }  // namespace
 

@@ -12,7 +12,7 @@ namespace vort {
 
 namespace {
 
-constexpr std::array<int, 2> kSignals = {SIGINT, SIGTERM};
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 constexpr int kEnough = SIGUSR2;  // ends the waiting
 
 bool is_ignored(int signal) {
@@ -37,15 +37,16 @@ Interruption::Interruption(std::function<void()> clean_up) : clean_up_(std::move
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
     waiter_ = std::thread([this, set] {
         int signal = 0;
-        while (::sigwait(&set, &signal) != 0) {
-        }
-        if (signal == kEnough) return;
+        do {
+            if (over_) return;
+        } while (::sigwait(&set, &signal) != 0 || signal == kEnough);
         clean_up_();
         ::_exit(kSignalled + signal);
     });
 }
 
 Interruption::~Interruption() {
+    over_ = true;
     ::pthread_kill(waiter_.native_handle(), kEnough);
     waiter_.join();
 }

@@ -1,14 +1,15 @@
-// SIGINT and SIGTERM while a command is at work.
+// SIGINT, SIGTERM and SIGHUP while a command is at work.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
 namespace vort {
 
-// As long as it lives, a thread of its own waits for the two signals: it runs `clean_up` and ends
-// the process with the status 130 or 143. To be made before other threads are, which inherit that
-// the signals are blocked. A signal that is ignored stays ignored.
+// As long as it lives, a thread of its own waits for the signals: it runs `clean_up` and ends the
+// process with the status 128 plus the signal's number, 130, 143 or 129. To be made before other
+// threads are, which inherit that the signals are blocked. A signal that is ignored stays ignored.
 class Interruption {
   public:
     explicit Interruption(std::function<void()> clean_up);
@@ -18,6 +19,7 @@ class Interruption {
 
   private:
     std::function<void()> clean_up_;
+    std::atomic<bool> over_{false};
     std::thread waiter_;
 };
 

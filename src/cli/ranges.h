@@ -1,13 +1,24 @@
-// Ranges of option values, without a description in the help.
+// Ranges of option values; a value that is not a number is in none.
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <string>
+
+#include "common/number_text.h"
 
 namespace vort {
 
 template <typename T>
 CLI::Validator within(T low, T high) {
-    return CLI::Range(low, high).description("");
+    const auto check = [low, high](const std::string& text) {
+        T value{};
+        if (CLI::detail::lexical_cast(text, value) && value >= low && value <= high) {
+            return std::string();
+        }
+        const auto number = [](T limit) { return to_text(general(static_cast<double>(limit))); };
+        return text + "; a number from " + number(low) + " to " + number(high) + " expected";
+    };
+    return {check, ""};
 }
 
 }  // namespace vort

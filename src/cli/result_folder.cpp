@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
-#include <vector>
 
 #include "common/input_error.h"
 
@@ -31,35 +30,57 @@ void flush(const fs::path& path) {
     throw std::system_error(error, std::generic_category(), path.string());
 }
 
+std::string without_slashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/') path.pop_back();
+    return path;
+}
+
 std::string megabytes(double bytes) {
     return std::to_string(static_cast<long>(std::ceil(bytes / 1e6))) + " MB";
 }
 
 }  // namespace
 
-ResultFolder::ResultFolder(const std::string& path, std::span<const char* const> names, bool force)
-    : path_(path), unfinished_(path + '/' + kUnfinished + '/'), names_(names) {
-    std::error_code failure;
-    made_ = fs::create_directories(path_, failure);
-    if (!fs::is_directory(path_)) {
-        throw InputError{path_ + ": cannot be made" +
-                         (failure ? " (" + failure.message() + ")" : std::string()) +
-                         "; a directory for the results was expected"};
-    }
+ResultFolder::ResultFolder(std::string path, std::span<const char* const> names, bool force)
+    : path_(without_slashes(std::move(path))),
+      unfinished_(path_ + '/' + kUnfinished + '/'),
+      names_(names) {
+    make();
     lock_ = std::make_unique<DirectoryLock>(path_);
     if (!lock_->held()) {
         throw InputError{path_ + ": another run is at work there; name another directory"};
     }
-    for (const char* name : names_) {
-        const fs::path result = fs::path(path_) / name;
-        if (force || !fs::exists(fs::symlink_status(result, failure))) continue;
-        throw InputError{result.string() +
-                         ": is there already; name another directory, or replace it by --force"};
-    }
-    fs::remove_all(unfinished_, failure);
+    look_for_results(force);
+    discard();
+    std::error_code failure;
     if (fs::create_directory(unfinished_, failure)) return;
     throw InputError{path_ + ": cannot be written (" + failure.message() +
                      "); a directory of your own was expected"};
+}
+
+void ResultFolder::make() {
+    std::error_code failure;
+    made_ = fs::create_directories(path_, failure);
+    std::error_code unseen;
+    if (fs::is_directory(path_, unseen)) return;
+    throw InputError{path_ + ": cannot be made (" + (failure ? failure : unseen).message() +
+                     "); a directory for the results was expected"};
+}
+
+void ResultFolder::look_for_results(bool force) const {
+    for (const char* name : names_) {
+        const fs::path result = fs::path(path_) / name;
+        std::error_code failure;
+        const fs::file_status there = fs::symlink_status(result, failure);
+        if (!fs::exists(there)) continue;
+        if (fs::is_directory(there)) {
+            throw InputError{result.string() +
+                             ": is a directory; a place for a file was expected; remove it"};
+        }
+        if (force) continue;
+        throw InputError{result.string() +
+                         ": is there already; name another directory, or replace it by --force"};
+    }
 }
 
 ResultFolder::~ResultFolder() {
@@ -68,9 +89,11 @@ ResultFolder::~ResultFolder() {
     if (made_ && !published_) fs::remove(path_, failure);
 }
 
-void ResultFolder::discard() const {
+// Without the slash at its end, a link would not be followed.
+void ResultFolder::discard() {
+    const std::scoped_lock lock(mutex_);
     std::error_code failure;
-    fs::remove_all(unfinished_, failure);
+    fs::remove_all(fs::path(path_) / kUnfinished, failure);
 }
 
 void ResultFolder::require_room(double bytes) const {
@@ -83,14 +106,20 @@ void ResultFolder::require_room(double bytes) const {
 }
 
 void ResultFolder::publish() {
-    std::vector<fs::path> written;
-    for (const auto& entry : fs::directory_iterator(unfinished_)) written.push_back(entry.path());
-    for (const fs::path& file : written) flush(file);
+    const std::scoped_lock lock(mutex_);
+    for (const auto& entry : fs::directory_iterator(unfinished_)) flush(entry.path());
+    const fs::path folder(path_);
     std::error_code absent;
-    for (const char* name : names_) fs::remove(fs::path(path_) / name, absent);
-    for (const fs::path& file : written) fs::rename(file, fs::path(path_) / file.filename());
+    fs::remove(folder / names_.back(), absent);
+    for (const char* name : names_) {
+        if (fs::exists(unfinished_ + name)) {
+            fs::rename(unfinished_ + name, folder / name);
+        } else {
+            fs::remove(folder / name, absent);
+        }
+    }
     published_ = true;
-    flush(path_);
+    flush(folder);
 }
 
 }  // namespace vort

@@ -2,8 +2,10 @@
 
 #include <filesystem>
 
+#include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
+#include "report/model_view.h"
 #include "report/report_page.h"
 #include "results/data_set_files.h"
 #include "results/marker_file.h"
@@ -28,10 +30,23 @@ void write_page(const ReportPage& page, const nlohmann::json& model,
     if (!file.close()) stop("", 1);
 }
 
+// Bytes that are no UTF-8, in a name or a path, are replaced.
+std::string text_of(const nlohmann::ordered_json& model) {
+    return model.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
 std::string marker_file_in(const std::string& folder) {
     const std::string plain = folder + "markers.tsv";
     const std::string gzip = plain + ".gz";
     return std::filesystem::exists(gzip) && !std::filesystem::exists(plain) ? gzip : plain;
+}
+
+// So that no page is made of tables that do not belong together.
+void require_rows(const std::string& path, long found, long expected) {
+    if (found == expected) return;
+    input_error(path, 0,
+                std::to_string(found) + " lines; " + std::to_string(expected) +
+                    " expected by model.json; make the results anew by vort run");
 }
 
 }  // namespace
@@ -47,7 +62,7 @@ nlohmann::json write_results(const ModelDescription& run, const std::string& fol
     const std::vector<QuantileRow> quantiles = run.record.quantiles.rows();
     write_quantile_file(folder + "quantiles.tsv", quantiles, diagnostics);
     const nlohmann::ordered_json ordered = model_json(run);
-    write_text(folder + "model.json", ordered.dump(kIndent) + '\n', diagnostics);
+    write_text(folder + "model.json", text_of(ordered) + '\n', diagnostics);
     nlohmann::json model = ordered;
     ReportPage page(static_cast<long>(rows.size()));
     for (std::size_t j = 0; j < rows.size(); ++j) page.add(rows.row(j));
@@ -58,10 +73,21 @@ nlohmann::json write_results(const ModelDescription& run, const std::string& fol
 void write_report_page(const std::string& from, const std::string& folder,
                        Diagnostics& diagnostics) {
     const nlohmann::json model = read_model(from + "model.json");
+    const ModelView view = read_model_view(model);
     const std::vector<DataSetRow> data_sets = read_data_set_file(from + "permutations.tsv");
+    require_rows(from + "permutations.tsv", std::ssize(data_sets), view.permutations + 1);
     const std::vector<QuantileRow> quantiles = read_quantile_file(from + "quantiles.tsv");
-    ReportPage page(model.at("input").at("markers").at("analysed").get<long>());
-    read_marker_file(marker_file_in(from), [&](const MarkerRow& row) { page.add(row); });
+    ReportPage page(view.markers);
+    long rows = 0;
+    long in_model = 0;
+    read_marker_file(marker_file_in(from), [&](const MarkerRow& row) {
+        page.add(row);
+        ++rows;
+        in_model += row.in_model ? 1 : 0;
+    });
+    require_rows(marker_file_in(from), rows, view.markers);
+    require_rows(marker_file_in(from) + ", markers in the model", in_model,
+                 std::ssize(view.weighed));
     write_page(page, model, data_sets, quantiles, folder, diagnostics);
 }
 

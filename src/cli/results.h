@@ -9,10 +9,11 @@
 
 namespace vort {
 
-inline constexpr std::array kRunResults = {"P_value.txt",   "Final_result.txt", "console.txt",
-                                           "markers.tsv",   "markers.tsv.gz",   "permutations.tsv",
-                                           "quantiles.tsv", "model.json",       "report.html",
-                                           "run.log",       "FDR_results.txt"};
+// run.log comes last: where it is, the others are whole.
+inline constexpr std::array kRunResults = {"P_value.txt",   "Final_result.txt", "FDR_results.txt",
+                                           "console.txt",   "markers.tsv",      "markers.tsv.gz",
+                                           "quantiles.tsv", "permutations.tsv", "model.json",
+                                           "report.html",   "run.log"};
 
 // Writes the tables, model.json and report.html into `folder`, which ends with a slash, and returns
 // what stands in model.json. A file that cannot be written to its end stops the run.

@@ -14,9 +14,11 @@
 #include "cli/run_log.h"
 #include "cli/summary.h"
 #include "cli/version.h"
+#include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
 #include "screening/marker_counts.h"
+#include "screening/prepared_file.h"
 #include "study/study_directory.h"
 
 namespace vort {
@@ -85,11 +87,13 @@ class Run {
   private:
     void load();
     void check();
+    void require_prepared() const;
     double result_bytes() const;
     AnalysisOptions analysis_options() const;
     RunSize size() const;
     void analyse_data();
     void write_tables();
+    void tell_untested(const MarkerRows& rows, std::span<const int> selected);
     void finish();
 
     const RunOptions& options_;
@@ -126,6 +130,21 @@ void Run::load() {
 void Run::check() {
     check_sizes(settings_, analysis_options(), data_.genotypes.is_mapped(), diagnostics_);
     folder_.require_room(result_bytes());
+    if (!options_.prepared.empty()) require_prepared();
+}
+
+// Prepared files of another study would be taken as this one's.
+void Run::require_prepared() const {
+    for (int d = 0; d <= parameters_.permutations; ++d) {
+        const std::string path = prepared_file_name(options_.prepared + '/', d);
+        if (!std::filesystem::exists(path)) {
+            input_error(path, 0,
+                        "is not there; a file for each data set expected; make them by "
+                        "--save-prepared");
+        }
+        require_prepared_for(path, data_.phenotypes, parameters_.best_m, data_.genotypes.markers(),
+                             d == 0);
+    }
 }
 
 // Somewhat above what they come to.
@@ -196,9 +215,20 @@ void Run::write_tables() {
                                        .record = recorder_->record(),
                                        .rows = rows,
                                        .lambda_gc = rows.lambda_gc(options_.threads)};
+    tell_untested(rows, selected);
     const nlohmann::json model = write_results(description, folder_.unfinished(), options_.gzip,
                                                options_.threads, diagnostics_);
-    summary_ = summary_text(description, model, options_.out, watch_.total());
+    summary_ = summary_text(description, model, folder_.path(), watch_.total());
+}
+
+// The ranking has them last, but it has them.
+void Run::tell_untested(const MarkerRows& rows, std::span<const int> selected) {
+    const auto untested = std::ranges::count_if(
+        selected, [&](int column) { return rows.row(static_cast<std::size_t>(column)).dropped(); });
+    if (untested == 0) return;
+    terminal_.say(std::to_string(untested) + " of the " + std::to_string(selected.size()) +
+                  " markers in the model could not be tested by themselves, since too many of "
+                  "their genotypes are missing; a smaller --best-m or --geno 0.05 leaves them out");
 }
 
 void Run::finish() {

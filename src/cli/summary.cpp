@@ -56,7 +56,7 @@ std::string best_markers(const ModelDescription& run) {
 }
 
 std::string model_lines(const ModelView& model) {
-    if (!model.has_model) return line("Model", "none: no marker or pair passed the step-up rule");
+    if (!model.has_model) return line("Model", "none: nothing was kept, or nothing selected");
     std::vector<const Learner*> strongest;
     for (const Learner& learner : model.learners) strongest.push_back(&learner);
     std::ranges::stable_sort(strongest, [](const Learner* a, const Learner* b) {
@@ -101,7 +101,7 @@ std::string summary_text(const ModelDescription& run, const nlohmann::json& json
                              counted(model.markers, "markers")) +
            line("Left out", left_out_text(model)) + best_markers(run) + model_lines(model) +
            significance(model) + line("Report", folder + "/report.html") +
-           line("Tables", folder + "/markers.tsv" + " and others; see " + folder + "/run.log") +
+           line("Tables", "markers, permutations, quantiles and model.json beside it") +
            line("Time", seconds_text(seconds));
 }
 

@@ -6,24 +6,38 @@
 
 namespace vort {
 
+namespace {
+
+// Names come from files, and a terminal obeys control characters.
+std::string visible(std::string_view text) {
+    std::string out(text);
+    for (char& c : out) {
+        if (static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t') c = '?';
+    }
+    return out;
+}
+
+}  // namespace
+
 Terminal::Terminal() : is_terminal_(::isatty(STDERR_FILENO) == 1) {}
 
 void Terminal::say(std::string_view text) {
-    write_error("vort: " + std::string(text) + '\n');
+    const std::string line = "vort: " + visible(text) + '\n';
+    const std::scoped_lock lock(mutex_);
+    erase_progress();
+    log_ += line;
+    std::cerr << line;
 }
 
 void Terminal::print(std::string_view text) {
-    const std::scoped_lock lock(mutex_);
-    erase_progress();
-    log_ += text;
-    std::cout << text << std::flush;
-}
-
-void Terminal::write_error(std::string_view text) {
-    const std::scoped_lock lock(mutex_);
-    erase_progress();
-    log_ += text;
-    std::cerr << text;
+    const std::string lines = visible(text);
+    {
+        const std::scoped_lock lock(mutex_);
+        erase_progress();
+        log_ += lines;
+        std::cout << lines << std::flush;
+    }
+    if (!std::cout) say("standard output cannot be written; the summary stands in run.log");
 }
 
 void Terminal::show_progress(const std::string& line) {
@@ -64,10 +78,12 @@ std::streamsize Terminal::Lines::xsputn(const char* text, std::streamsize size) 
 }
 
 void Terminal::Lines::hand_on() {
-    const std::size_t end = line_.rfind('\n');
-    if (end == std::string::npos) return;
-    terminal_.write_error(std::string_view(line_).substr(0, end + 1));
-    line_.erase(0, end + 1);
+    for (;;) {
+        const std::size_t end = line_.find('\n');
+        if (end == std::string::npos) return;
+        terminal_.say(std::string_view(line_).substr(0, end));
+        line_.erase(0, end + 1);
+    }
 }
 
 }  // namespace vort

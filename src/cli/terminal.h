@@ -22,11 +22,12 @@ class Terminal {
     // Whether standard error is one.
     bool is_terminal() const { return is_terminal_; }
 
-    // A line on standard error, "vort: " in front of it.
+    // A line on standard error, "vort: " in front of it. Control characters show as "?", here and
+    // in what is printed.
     void say(std::string_view text);
     // A text on standard output, as it is.
     void print(std::string_view text);
-    // For diagnostics, which write whole lines.
+    // For diagnostics: each line is said.
     std::ostream& errors() { return errors_; }
 
     // Puts a line below all messages, in the place of the one before; only on a terminal.
@@ -53,7 +54,6 @@ class Terminal {
         std::string line_;
     };
 
-    void write_error(std::string_view text);
     void erase_progress();
 
     bool is_terminal_;

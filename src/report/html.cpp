@@ -25,7 +25,8 @@ std::string escaped(std::string_view text) {
                 out += "&#39;";
                 break;
             default:
-                out += c;
+                // Nobody sees a control character, but a terminal may obey it.
+                out += static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t' ? '?' : c;
         }
     }
     return out;

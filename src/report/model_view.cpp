@@ -1,6 +1,9 @@
 #include "report/model_view.h"
 
+#include <algorithm>
+#include <cmath>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 
 #include "common/input_error.h"
 #include "report/wording.h"
@@ -41,6 +44,16 @@ Tally read_tally(const json& from) {
     return {from.at("cases"), from.at("controls")};
 }
 
+void require_sound(const Learner& learner) {
+    const auto sound = [&](const std::vector<int>& cell) {
+        return cell.size() == learner.markers.size() &&
+               std::ranges::all_of(cell, [](int copies) { return copies >= 0 && copies <= 2; });
+    };
+    if (!std::ranges::all_of(learner.cells, sound)) throw std::out_of_range("a genotype");
+    // Of a share of cases, whose range is 1; fits may exceed that, but not by far.
+    if (!(std::abs(learner.risk_difference) < 1000)) throw std::out_of_range("a risk difference");
+}
+
 Learner read_learner(const json& from) {
     Learner learner;
     learner.id = from.at("id");
@@ -53,6 +66,7 @@ Learner read_learner(const json& from) {
     learner.inside = read_tally(from.at("inside"));
     learner.outside = read_tally(from.at("outside"));
     learner.missing = from.value("missing", 0);
+    require_sound(learner);
     return learner;
 }
 

@@ -20,6 +20,18 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "vort-model";
 constexpr int kFormatVersion = 1;
+constexpr int kDeepest = 1000;  // beyond, a reader might run out of stack
+
+// Brackets open at once, at most; those in strings are counted too.
+int depth(std::string_view text) {
+    int open = 0;
+    int deepest = 0;
+    for (const char c : text) {
+        if (c == '[' || c == '{') deepest = std::max(deepest, ++open);
+        if (c == ']' || c == '}') --open;
+    }
+    return deepest;
+}
 
 Json number_or_null(double value) {
     return std::isnan(value) ? Json(nullptr) : Json(value);
@@ -281,12 +293,12 @@ nlohmann::ordered_json model_json(const ModelDescription& run) {
 
 nlohmann::json read_model(const std::string& path) {
     const std::string text = read_whole_file(path);
-    nlohmann::json model = nlohmann::json::parse(text, nullptr, false);
-    const auto is_model = [&] {
-        return model.is_object() && model.value("format", "") == kFormat &&
-               model.value("format_version", 0) == kFormatVersion;
+    nlohmann::json model;
+    if (depth(text) <= kDeepest) model = nlohmann::json::parse(text, nullptr, false);
+    const auto has = [&](const char* key, const nlohmann::json& value) {
+        return model.is_object() && model.contains(key) && model[key] == value;
     };
-    if (!is_model()) {
+    if (!has("format", kFormat) || !has("format_version", kFormatVersion)) {
         input_error(path, 0,
                     "is no description of a model; a model.json of vort run, format version " +
                         std::to_string(kFormatVersion) + ", expected");

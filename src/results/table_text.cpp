@@ -78,7 +78,8 @@ long TableReader::whole(std::size_t c, long na) const {
 void TableReader::fail(std::string_view found, std::string_view expected) const {
     constexpr std::size_t kShown = 60;
     input_error(path_, line_,
-                std::string(found.substr(0, kShown)) + "; " + std::string(expected) +
+                std::string(found.substr(0, kShown)) + "; " +
+                    std::string(expected.substr(0, kShown)) +
                     " expected; make the results anew by vort run");
 }
 

@@ -1,8 +1,10 @@
 #include "screening/prepared_file.h"
 
 #include <algorithm>
+#include <sstream>
 #include <string_view>
 
+#include "common/input_error.h"
 #include "common/number_text.h"
 #include "common/output_file.h"
 #include "common/stop.h"
@@ -113,6 +115,22 @@ PreparedDataSet read_prepared_file(const std::string& path, int individuals, int
     read.phenotypes = file.phenotypes(individuals);
     read.best = file.ranking(best, markers);
     return read;
+}
+
+void require_prepared_for(const std::string& path, std::span<const short> observed, int best,
+                          int markers, bool is_observed) {
+    std::ostringstream told;
+    Diagnostics diagnostics(told);
+    const PreparedDataSet read =
+        read_prepared_file(path, static_cast<int>(observed.size()), best, markers, diagnostics);
+    diagnostics.finish();
+    const auto cases = std::count(observed.begin(), observed.end(), 1);
+    const bool same = is_observed ? std::ranges::equal(read.phenotypes, observed)
+                                  : std::ranges::count(read.phenotypes, short{1}) == cases;
+    if (same && told.str().empty()) return;
+    input_error(path, 0,
+                "is not of this study; one that --save-prepared made of the same individuals and "
+                "as many best markers expected");
 }
 
 }  // namespace vort

@@ -33,4 +33,9 @@ struct PreparedDataSet {
 PreparedDataSet read_prepared_file(const std::string& path, int individuals, int best, int markers,
                                    Diagnostics& diagnostics);
 
+// Throws InputError where a file is not one of this study: the phenotypes are others (of the
+// observed data set, or other than as many cases), or it has not so many sound marker lines.
+void require_prepared_for(const std::string& path, std::span<const short> observed, int best,
+                          int markers, bool is_observed);
+
 }  // namespace vort

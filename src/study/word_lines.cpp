@@ -46,6 +46,9 @@ bool WordLines::next() {
             if (input_.read_error() == 0) return false;
             fail(std::string("cannot be read (") + std::strerror(input_.read_error()) + ')');
         }
+        // Editors put a byte order mark in front, which nobody sees.
+        constexpr std::string_view kMark = "\xEF\xBB\xBF";
+        if (line_ == 1 && text.starts_with(kMark)) text.remove_prefix(kMark.size());
         count_ = split_words(text, kept_, words_);
     } while (count_ == 0);
     return true;
