@@ -2,7 +2,7 @@
 // I_p(b, n - b + 1), a regularised incomplete beta function, which rises with p, so that halving an
 // interval finds where it is 2.5 %. The function is computed by its continued fraction (NIST
 // Digital Library of Mathematical Functions, 8.17.22), which converges within some sqrt(n) terms on
-// the side of the mean where it is used. Example: 3 of 200 give 0.00310 to 0.04319.
+// the side of the mean where it is used. Example: 3 of 200 give 0.00310 to 0.04321.
 #include "numeric/binomial_interval.h"
 
 #include <cmath>

@@ -79,7 +79,7 @@ std::string lambda_html(const ModelView& view) {
 
 std::string quantiles_html(const ModelView& view, const nlohmann::json& columns) {
     const std::size_t points = columns["rank"].size();
-    if (points == 0 && view.permuted()) return element("p", "No marker was tested.");
+    if (points == 0 && view.permuted()) return element("p", "There are no p-values of markers.");
     if (points == 0) {
         return element("p",
                        "There is no plot: what to expect of the smallest of four p-values comes "

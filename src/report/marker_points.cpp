@@ -12,7 +12,6 @@ namespace {
 constexpr std::size_t kBandPoints = 700;
 constexpr std::size_t kBytes = 1'000'000;       // of all points, where the page is thinned
 constexpr std::size_t kLeastBandBytes = 5'000;  // however many points are always kept
-constexpr std::size_t kLongestAlleleName = 24;
 
 std::size_t bytes_of(const MarkerPoint& point) {
     return point.name.size() + 25;  // its numbers
@@ -51,16 +50,16 @@ double three_digits(double value) {
 MarkerPoints::MarkerPoints(long markers) : thin_(markers > kUnthinned) {}
 
 void MarkerPoints::add(const MarkerRow& row) {
-    if (row.dropped()) return;
+    if (!has_point(row)) return;
     Extent& extent =
         extents_.try_emplace(row.chromosome, Extent{row.position, row.position}).first->second;
     extent.first = std::min(extent.first, row.position);
     extent.last = std::max(extent.last, row.position);
     ++extent.markers;
 
-    const std::string pair =
-        shortened(row.a1, kLongestAlleleName) + "/" + shortened(row.a2, kLongestAlleleName);
-    const int alleles = allele_pairs_.try_emplace(pair, int(allele_pairs_.size())).first->second;
+    const int alleles =
+        allele_pairs_.try_emplace(alleles_text(row.a1, row.a2), int(allele_pairs_.size()))
+            .first->second;
     MarkerPoint point{seen_++,      row.chromosome,
                       row.position, row.rank,
                       alleles,      model_letter(row.model),

@@ -40,7 +40,10 @@ class MarkerPoints {
 
     explicit MarkerPoints(long markers);  // how many will come
 
-    // In the order of the genome; dropped markers have no point.
+    // Dropped markers have no point, and none has where the run took its rankings from files.
+    static bool has_point(const MarkerRow& row) { return !row.dropped() && row.p_min >= 0; }
+
+    // In the order of the genome.
     void add(const MarkerRow& row);
 
     long seen() const { return seen_; }

@@ -8,7 +8,7 @@
 namespace vort {
 namespace {
 
-constexpr int kTopMarkers = 10;
+constexpr std::size_t kTopMarkers = 10;
 constexpr double kGenomeWide = 5e-8;
 
 std::string model_name(const std::string& model) {
@@ -44,7 +44,7 @@ std::string legend(const ModelView& view, std::optional<double> line, std::size_
 std::vector<double> permuted_minima(std::span<const DataSetRow> data_sets) {
     std::vector<double> minima;
     for (const DataSetRow& row : data_sets) {
-        if (row.data_set > 0) minima.push_back(row.smallest_p);
+        if (row.data_set > 0 && row.smallest_p >= 0) minima.push_back(row.smallest_p);
     }
     std::sort(minima.begin(), minima.end());
     return minima;
@@ -62,14 +62,19 @@ std::optional<double> study_wide_p(std::span<const DataSetRow> data_sets) {
 
 void MarkerSection::add(const MarkerRow& row) {
     points_.add(row);
-    if (row.dropped()) return;
+    if (!MarkerPoints::has_point(row)) return;
     genome_wide_ += row.p_min <= kGenomeWide;
     study_wide_ += row.emp2 <= 0.05;
-    if (row.rank > kTopMarkers) return;
-    const auto place = std::find_if(top_.begin(), top_.end(),
-                                    [&](const TopMarker& top) { return top.row.rank > row.rank; });
+    // The ranks say the same, but are not always known.
+    const auto is_better = [](const MarkerRow& one, const MarkerRow& other) {
+        return std::pair(one.p_min, one.rank) < std::pair(other.p_min, other.rank);
+    };
+    if (top_.size() == kTopMarkers && !is_better(row, top_.back().row)) return;
+    const auto place =
+        std::ranges::find_if(top_, [&](const TopMarker& top) { return is_better(row, top.row); });
     top_.insert(place, TopMarker{row, shortened(row.name, kLongestName), std::string(row.a1),
                                  std::string(row.a2), std::string(row.model)});
+    if (top_.size() > kTopMarkers) top_.pop_back();
 }
 
 std::string MarkerSection::table(const ModelView& view) const {
@@ -83,15 +88,14 @@ std::string MarkerSection::table(const ModelView& view) const {
                     {"Smallest under"},
                     {"Chromosome", Kind::kNumber},
                     {"Position", Kind::kNumber},
-                    {"A1, A2"},
+                    {"A1/A2"},
                     {"In the model"}});
     for (const TopMarker& top : top_) {
         const MarkerRow& row = top.row;
-        table.add({grouped(row.rank), top.name, p_text(row.p_min),
+        table.add({row.rank > 0 ? grouped(row.rank) : "\u2013", top.name, p_text(row.p_min),
                    view.permuted() ? p_text(row.emp2) : "\u2013", model_name(top.model),
                    chromosome_name(row.chromosome), grouped(row.position),
-                   shortened(top.a1, 16) + ", " + shortened(top.a2, 16),
-                   row.in_model ? "yes" : ""});
+                   alleles_text(top.a1, top.a2), row.in_model ? "yes" : ""});
     }
     return table.html();
 }
@@ -118,7 +122,10 @@ void MarkerSection::parts(const ModelView& view, std::span<const DataSetRow> dat
                           PageParts& parts, nlohmann::json& data) const {
     data["permuted"] = view.permuted();
     if (points_.seen() == 0) {
-        parts["markers"] = element("p", "No marker was tested, so there is nothing to draw.");
+        parts["markers"] = element(
+            "p", view.tested() > 0 ? "The rankings were taken from files, so there are no p-values "
+                                     "of markers to draw."
+                                   : "No marker was tested, so there is nothing to draw.");
         return;
     }
     const std::optional<double> line = study_wide_p(data_sets);

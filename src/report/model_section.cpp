@@ -135,13 +135,22 @@ class CellMap {
         return classes;
     }
 
+    // By letters in the order in which the table shows the groups: their numbers have gaps.
     std::string group_label(int group) const {
-        for (const Learner& learner : view_.learners) {
-            if (learner.marker_set == set_.id && learner.group == group) {
-                return "group " + std::to_string(group) + ", X" + std::to_string(learner.id);
+        std::vector<int> seen;
+        for (const GenotypeCell& cell : set_.cells) {
+            if (cell.group != GenotypeCell::kNobody && std::ranges::count(seen, cell.group) == 0) {
+                seen.push_back(cell.group);
             }
         }
-        return "group " + std::to_string(group);
+        const auto place = std::ranges::find(seen, group) - seen.begin();
+        std::string label = std::string("group ") + char('A' + place);
+        for (const Learner& learner : view_.learners) {
+            if (learner.marker_set == set_.id && learner.group == group) {
+                label += ", X" + std::to_string(learner.id);
+            }
+        }
+        return label;
     }
 
     std::string cell(int row, int column) const {
@@ -249,8 +258,9 @@ std::string bars_html(const ModelView& view) {
         importance += " " + marker.locus.name + " " + decimal(marker.importance, 1) + " %";
     }
     return "<div class=\"halves\"><div>" + element("h3", "Coefficients of the base learners") +
-           chart_figure("coefficients", coefficients,
-                        "To the right: more cases in the group than outside it.") +
+           chart_figure(
+               "coefficients", coefficients,
+               "To the right: a higher fitted risk in the group; to the left: a lower one.") +
            "</div><div>" + element("h3", "Importance of the markers") +
            chart_figure("importance", importance,
                         "Per cent of the model\u2019s weight; a pair\u2019s is shared by its two "

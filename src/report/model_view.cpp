@@ -106,7 +106,8 @@ void read_result(const json& result, ModelView& view) {
     view.has_model = result.at("has_model");
     view.T0 = number(result, "T0");
     view.permutations = result.at("permutations");
-    if (!part(result, "stronger").is_null()) view.stronger = result.at("stronger");
+    view.stronger = result.value("stronger", 0L);
+    view.equal = result.value("equal", 0L);
     view.p = number(result, "p");
     view.p_plus_one = number(result, "p_plus_one");
     const json& interval = result.at("p_interval");

@@ -79,7 +79,8 @@ struct ModelView {
     bool has_model = false;
     double T0 = kUnknown;
     long permutations = 0;
-    long stronger = 0;
+    long stronger = 0;  // permuted data sets with a stronger model than the study,
+    long equal = 0;     // and with one as strong
     double p = kUnknown, p_plus_one = kUnknown, p_low = kUnknown, p_high = kUnknown;
 
     double intercept = kUnknown;
@@ -88,6 +89,7 @@ struct ModelView {
     std::vector<WeighedMarker> weighed;  // by decreasing importance
 
     bool permuted() const { return permutations > 0; }
+    long tested() const { return markers - dropped; }
     double study_share() const { return individuals > 0 ? double(cases) / double(individuals) : 0; }
 };
 

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "report/html.h"
 #include "report/sections.h"
 #include "report/wording.h"
@@ -11,12 +9,6 @@ namespace {
 std::string overall_p_text(const ModelView& view) {
     if (view.stronger == 0) return "below 1 in " + grouped(view.permutations);
     return p_text(view.p);
-}
-
-long ties(const ModelView& view, std::span<const DataSetRow> data_sets) {
-    return std::count_if(data_sets.begin(), data_sets.end(), [&](const DataSetRow& row) {
-        return row.data_set > 0 && row.T == view.T0;
-    });
 }
 
 std::string permuted_sets(long number) {
@@ -41,7 +33,7 @@ std::string headline_of_model(const ModelView& view, long better) {
 }
 
 std::string headline(const ModelView& view, long better) {
-    if (view.markers - view.dropped <= 0) return "No marker could be tested";
+    if (view.tested() <= 0) return "No marker could be tested";
     if (!view.has_model) return "No model was found in this study";
     return headline_of_model(view, better);
 }
@@ -53,7 +45,7 @@ std::string interval_text(const ModelView& view) {
 
 std::string why_nothing(const ModelView& view) {
     if (view.markers == 0) return "No marker was left to analyse.";
-    if (view.markers - view.dropped <= 0) {
+    if (view.tested() <= 0) {
         const std::string all = view.markers == 1
                                     ? "The only marker misses"
                                     : "All " + counted(view.markers, "markers") + " miss";
@@ -102,8 +94,8 @@ std::string markers_of_model(const ModelView& view) {
     return shares.empty() ? "" : text + ".";
 }
 
-std::string lede(const ModelView& view, long tied) {
-    if (view.markers - view.dropped <= 0 || !view.has_model) {
+std::string lede(const ModelView& view) {
+    if (view.tested() <= 0 || !view.has_model) {
         return element("p", why_nothing(view), "lede");
     }
     if (!view.permuted()) {
@@ -122,8 +114,9 @@ std::string lede(const ModelView& view, long tied) {
         "In a permuted data set the labels of cases and controls are shuffled, so that whatever is "
         "found in it is found by chance. The whole analysis, its search included, was repeated on "
         "each.";
-    if (tied > 0) {
-        aside += " " + std::string(tied == 1 ? "One of them does" : grouped(tied) + " of them do") +
+    if (view.equal > 0) {
+        aside += " " +
+                 (view.equal == 1 ? "One of them does" : grouped(view.equal) + " of them do") +
                  " exactly as well as the study itself and counts neither way.";
     }
     return html + element("p", aside, "aside");
@@ -136,12 +129,11 @@ std::string figure_item(const std::string& name, const std::string& value,
 }
 
 std::string numbers(const ModelView& view) {
-    const long tested = view.markers - view.dropped;
     std::string html = "<dl class=\"figures\">";
     html += figure_item("Individuals", grouped(view.individuals),
                         counted(view.cases, "cases") + ", " + counted(view.controls, "controls"));
     html += figure_item("Markers", grouped(view.markers),
-                        view.dropped == 0 ? "all tested" : grouped(tested) + " tested");
+                        view.dropped == 0 ? "all tested" : grouped(view.tested()) + " tested");
     html += figure_item("Permuted data sets", grouped(view.permutations),
                         !view.has_model || !view.permuted()
                             ? ""
@@ -197,14 +189,13 @@ std::string chart_figure(const std::string& id, const std::string& heard,
            (caption.empty() ? "" : "<figcaption>" + caption + "</figcaption>") + "</figure>";
 }
 
-void outcome_parts(const ModelView& view, std::span<const DataSetRow> data_sets, PageParts& parts) {
-    const long tied = view.has_model ? ties(view, data_sets) : 0;
-    const std::string head = headline(view, view.permutations - view.stronger - tied);
+void outcome_parts(const ModelView& view, PageParts& parts) {
+    const std::string head = headline(view, view.permutations - view.stronger - view.equal);
     const std::string name = study_name(view);
     parts["title"] = escaped(name.empty() ? head : name + ": " + head);
     parts["study"] = escaped(name);
     parts["headline"] = escaped(head) + ".";
-    parts["lede"] = lede(view, tied);
+    parts["lede"] = lede(view);
     parts["numbers"] = numbers(view);
     parts["left_out"] = left_out(view);
 }

@@ -40,7 +40,7 @@ void ReportPage::write(const nlohmann::json& model, std::span<const DataSetRow> 
     const ModelView view = read_model_view(model);
     PageParts parts;
     nlohmann::json data;
-    outcome_parts(view, data_sets, parts);
+    outcome_parts(view, parts);
     markers_->parts(view, data_sets, parts, data);
     chance_parts(view, data_sets, quantiles, parts, data);
     model_parts(view, parts, data);

@@ -21,7 +21,7 @@ std::string chart_figure(const std::string& id, const std::string& heard,
                          const std::string& caption);
 
 // 1. What came out, and the study in numbers.
-void outcome_parts(const ModelView& view, std::span<const DataSetRow> data_sets, PageParts& parts);
+void outcome_parts(const ModelView& view, PageParts& parts);
 
 // 2. Markers along the genome. Takes in the rows and keeps what the section shows of them.
 class MarkerSection {
@@ -42,7 +42,7 @@ class MarkerSection {
     std::string note(const ModelView& view) const;
 
     MarkerPoints points_;
-    std::vector<TopMarker> top_;  // by rank
+    std::vector<TopMarker> top_;  // by p
     long genome_wide_ = 0;        // markers with p <= 5e-8
     long study_wide_ = 0;         // markers with EMP2 <= 0.05
 };

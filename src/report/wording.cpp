@@ -15,7 +15,7 @@ std::string printed(const char* format, int digits, double value) {
     return text.data();
 }
 
-bool is_known(const std::string& allele) {
+bool is_known(std::string_view allele) {
     return !allele.empty() && allele != "0" && allele != ".";
 }
 
@@ -176,6 +176,12 @@ std::string shortened(std::string_view text, std::size_t longest) {
     return std::string(text.substr(0, end)) + "\u2026";
 }
 
+std::string alleles_text(std::string_view a1, std::string_view a2) {
+    constexpr std::size_t kLongest = 16;
+    if (!is_known(a1)) return {};
+    return shortened(a1, kLongest) + (is_known(a2) ? "/" + shortened(a2, kLongest) : "");
+}
+
 std::string genotype_letters(const Locus& locus, int copies) {
     if (!is_known(locus.a1) || !is_known(locus.a2)) return {};
     const std::string& first = copies == 0 ? locus.a2 : locus.a1;
@@ -195,6 +201,7 @@ std::string copies_text(const Locus& locus, int copies) {
 
 std::string rule_text(const std::vector<Locus>& markers,
                       const std::vector<std::vector<int>>& cells) {
+    if (cells.empty()) return "people of whom none has complete genotypes";
     const std::vector<Clause> clauses = clauses_of(cells, markers.size() == 2);
     const bool carriers = is_of_carriers(clauses);
     const std::string join = carriers ? "of " : "with ";

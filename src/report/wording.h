@@ -33,6 +33,9 @@ std::string shortened(std::string_view text, std::size_t longest);
 // Longer names are cut: the whole ones stand in markers.tsv.
 constexpr std::size_t kLongestName = 60;
 
+// "A/G", "A" where only the counted allele is known, or nothing.
+std::string alleles_text(std::string_view a1, std::string_view a2);
+
 // "AG" for one copy of A1, or "A/GT" where an allele has several letters; empty where the study
 // does not name its alleles.
 std::string genotype_letters(const Locus& locus, int copies);

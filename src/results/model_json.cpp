@@ -137,6 +137,7 @@ Json Writer::result() const {
     out["T0"] = result.has_model ? Json(1 - result.observed) : Json(nullptr);
     out["permutations"] = B;
     out["stronger"] = b;
+    out["equal"] = result.has_model ? std::ranges::count(result.permuted, result.observed) : 0;
     out["p"] = B > 0 ? Json(static_cast<double>(b) / B) : Json(nullptr);
     out["p_plus_one"] = (b + 1.0) / (B + 1.0);
     out["p_interval"] = nullptr;

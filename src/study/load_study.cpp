@@ -69,9 +69,24 @@ Members members_of(Census& census) {
     return members;
 }
 
-void require_markers(const Cohort& cohort, const std::string& file) {
+const std::string& file_of_markers(const StudyFiles& files) {
+    switch (files.format) {
+        case StudyFormat::kBed:
+            return files.bim;
+        case StudyFormat::kVcf:
+            return files.vcf;
+        case StudyFormat::kRaw:
+            return files.raw;
+        case StudyFormat::kDirectory:
+            break;
+    }
+    return files.directory;
+}
+
+void require_markers(const Cohort& cohort, const StudyFiles& files) {
     if (!cohort.markers.empty()) return;
-    input_error(file, 0, "no marker is left; at least one expected; loosen the filters");
+    input_error(file_of_markers(files), 0,
+                "no marker is left; at least one expected; loosen the filters");
 }
 
 // By chromosome and position; those at one place stay as they are.
@@ -175,16 +190,15 @@ Study load_study(const StudyRequest& request) {
     const std::unique_ptr<CohortReader> reader = reader_for(request, study);
     MarkerChoice choice(request.filters, study);
     Census census = take_census(*reader, request, study);
-    const std::string file = census.people.file;
     Cohort cohort = reader->read(census.wanted, choice, study);
     choice.tell(study);
     append_moved(study.left_out, census.told.left_out);
     append_moved(study.notes, census.told.notes);
     append_moved(study.inputs, census.told.inputs);
     Members members = members_of(census);
-    require_markers(cohort, file);
+    require_markers(cohort, request.files);
     apply_rate_filters(request.filters, request.threads, cohort, members, study);
-    require_markers(cohort, file);
+    require_markers(cohort, request.files);
     leave_out(
         study, LeftOut::What::kIndividuals,
         members.take_out(cohort.rows,

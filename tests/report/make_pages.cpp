@@ -267,8 +267,8 @@ void write_page(const std::string& path, const Made& made) {
     vort::ReportPage page(made.markers);
     for (MadeMarker& marker : markers) {
         if (!made.tested) {
-            marker.row.rank = 0;
-            marker.row.p_min = vort::kNotAvailable;
+            marker.row = MarkerRow();
+            marker.row.name = marker.name;
         }
         page.add(marker.row);
     }

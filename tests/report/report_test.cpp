@@ -4,7 +4,6 @@
 
 #include <nlohmann/json.hpp>
 #include <random>
-#include <regex>
 
 #include "common/input_error.h"
 #include "report/html.h"
@@ -70,19 +69,23 @@ TEST(Wording, RulesOfGenotypes) {
     EXPECT_EQ(genotype_letters(first, 1), "AG");
     EXPECT_EQ(genotype_letters({"i", 1, 1, "A", "ATG", 1}, 0), "ATG/ATG");
     EXPECT_EQ(genotype_letters(nameless, 0), "");
+    EXPECT_EQ(alleles_text("A", "G") + ", " + alleles_text("A", "0") + alleles_text(".", ""),
+              "A/G, A");
 }
 
 // Every rule holds of exactly its cells: the clauses of all 511 groups of a pair are read back.
 TEST(Wording, EveryGroupOfAPairIsToldByItsCells) {
     const std::vector<Locus> markers = {{"p", 1, 1, "A", "G", 1}, {"q", 1, 2, "A", "G", 2}};
-    const std::map<std::string, std::string> copies = {
-        {"no", "0"},           {"one", "1"},         {"two", "2"}, {"at least one", "12"},
-        {"at most one", "01"}, {"none or two", "02"}};
+    // Longer wordings come before those that they end with.
+    const std::vector<std::pair<std::string, std::string>> copies = {
+        {"at least one", "12"}, {"at most one", "01"}, {"none or two", "02"}, {"no", "0"},
+        {"one", "1"},           {"two", "2"}};
     const auto holds = [&](const std::string& clause, const std::string& marker, int genotype) {
-        const std::regex number("(at least one|at most one|none or two|no|one|two) A at " + marker);
-        std::smatch match;
-        return !std::regex_search(clause, match, number) ||
-               copies.at(match[1]).find(char('0' + genotype)) != std::string::npos;
+        const std::string before = clause.substr(0, clause.find(" A at " + marker));
+        if (before == clause) return true;
+        const auto number = std::ranges::find_if(
+            copies, [&](const auto& each) { return before.ends_with(" " + each.first); });
+        return number->second.find(char('0' + genotype)) != std::string::npos;
     };
     for (int group = 1; group < 512; ++group) {
         std::vector<std::vector<int>> cells;

@@ -47,15 +47,16 @@ function referenceLines(chart, lines) {
 
 function markerLines(columns, point, permuted) {
   const { at } = point;
+  const alleles = columns.allele_pairs[columns.alleles[at]];
   const emp2At = columns.emp2_at.indexOf(at);
   const emp2 = emp2At < 0 ? 1 : columns.emp2[emp2At];
   return [
     columns.name[at],
     `chromosome ${words.chromosome(point.number)}, position ${words.grouped(point.position)}`,
-    `alleles ${columns.allele_pairs[columns.alleles[at]]}`,
+    ...(alleles ? [(alleles.includes("/") ? "alleles " : "counted allele ") + alleles] : []),
     `p ${words.p(point.p)}, ${words.model[columns.model[at]]}`,
     ...(permuted ? [`EMP2 ${words.digits(emp2, 3)}`] : []),
-    `rank ${words.grouped(columns.rank[at])}`,
+    ...(columns.rank[at] > 0 ? [`rank ${words.grouped(columns.rank[at])}`] : []),
   ];
 }
 
