@@ -14,6 +14,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/import_command.h"
+#include "cli/input_guard.h"
 #include "cli/nearest_name.h"
 #include "cli/report_command.h"
 #include "cli/run_command.h"
@@ -176,6 +177,7 @@ int run_command_line(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     if (argc <= 1) return run_bare();
+    tell_shrunken_inputs();
     Commands commands({argv, argv + argc});
     try {
         commands.app().parse(argc, argv);

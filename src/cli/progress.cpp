@@ -37,6 +37,11 @@ Progress::Progress(const RunSize& size, Terminal& terminal, bool quiet, Observer
     ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
 }
 
+double Progress::models_began() const {
+    const std::scoped_lock lock(mutex_);
+    return estimate_.models_began();
+}
+
 double Progress::seconds() const {
     return std::chrono::duration<double>(Clock::now() - start_).count();
 }

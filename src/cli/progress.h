@@ -27,6 +27,9 @@ class Progress : public Observer {
     // Takes the line away; nothing is shown afterwards.
     void finish();
 
+    // Seconds from the beginning to that of the models; negative where there were none.
+    double models_began() const;
+
   private:
     using Clock = std::chrono::steady_clock;
 

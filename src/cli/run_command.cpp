@@ -6,6 +6,7 @@
 
 #include "cli/account.h"
 #include "cli/checksums.h"
+#include "cli/input_guard.h"
 #include "cli/interruption.h"
 #include "cli/progress.h"
 #include "cli/ranges.h"
@@ -109,6 +110,7 @@ class Run {
     StudyData data_;
     StudyParameters parameters_;
     Settings settings_;
+    InputGuard inputs_;
     std::unique_ptr<Checksums> checksums_;
     std::unique_ptr<RunRecorder> recorder_;
     Result result_;
@@ -124,6 +126,7 @@ void Run::load() {
                              study_.genotypes.markers());
     data_ = {std::move(study_.genotypes), study_.phenotypes,
              MarkerTable::from_markers(study_.markers)};
+    inputs_ = InputGuard(study_.inputs);
     checksums_ = std::make_unique<Checksums>(study_.inputs);
 }
 
@@ -182,7 +185,7 @@ RunSize Run::size() const {
 }
 
 void Run::analyse_data() {
-    watch_.begin("analysis");
+    watch_.begin("screening");
     if (!options_.save_prepared.empty()) {
         std::filesystem::create_directories(options_.save_prepared);
     }
@@ -195,6 +198,7 @@ void Run::analyse_data() {
         diagnostics_, progress);
     console.end(watch_.total());
     progress.finish();
+    watch_.split(progress.models_began(), "models");
     recorder_->take_best(result_.columns);
 }
 
@@ -235,6 +239,7 @@ void Run::finish() {
     watch_.begin("checksums of the inputs");
     log_.inputs = checksums_->take();
     watch_.end();
+    inputs_.require_unchanged();
     diagnostics_.finish();
     log_.stages = watch_.stages();
     log_.terminal = terminal_.log() + summary_;

@@ -59,6 +59,15 @@ void Stopwatch::begin(const std::string& stage) {
     running_ = true;
 }
 
+void Stopwatch::split(double seconds, const std::string& stage) {
+    if (seconds < 0) return;
+    const auto length =
+        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    stages_.back().seconds = seconds;
+    began_ += length;
+    stages_.push_back({stage, 0});
+}
+
 void Stopwatch::end() {
     if (running_) {
         stages_.back().seconds = std::chrono::duration<double>(Clock::now() - began_).count();

@@ -14,6 +14,9 @@ class Stopwatch {
   public:
     // Ends the stage before.
     void begin(const std::string& stage);
+    // The stage that runs was over after so many seconds, and `stage` began then; nothing for a
+    // negative number.
+    void split(double seconds, const std::string& stage);
     void end();
 
     struct Stage {

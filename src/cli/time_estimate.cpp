@@ -42,7 +42,7 @@ void TimeEstimate::update(Stage stage, double data_sets, double seconds) {
 
 // Times slower than expected; a little work tells little.
 double TimeEstimate::pace(const StageTime& stage) const {
-    constexpr double kPrior = 0.02;  // data sets
+    constexpr double kPrior = 0.1;  // of all data sets
     const auto slowness = [&](const StageTime& of) {
         return of.began < 0 ? 1.0 : (of.last - of.began) / (of.worked * of.expected + 1e-12);
     };

@@ -34,6 +34,8 @@ class TimeEstimate {
     double done() const { return done_; }
     // At `seconds` since the beginning. Negative while nothing is known.
     double remaining(double seconds) const;
+    // When the second stage began; negative where it did not.
+    double models_began() const { return stages_[1].began; }
 
   private:
     struct StageTime {

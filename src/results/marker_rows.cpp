@@ -119,7 +119,7 @@ long MarkerRows::dropped() const {
 
 void MarkerRows::fill_ranks(std::size_t j, MarkerRow& row) const {
     row.rank = rank_[j];
-    if (record_.observed.empty()) return;
+    if (record_.observed.empty() || record_.permutations() == 0) return;
     const double permutations = record_.permutations();
     const auto as_small = std::upper_bound(smallest_.begin(), smallest_.end(), record_.observed[j]);
     row.emp1 = as_written((record_.no_weaker[j] + 1.0) / (permutations + 1));

@@ -167,7 +167,10 @@ void require_both_groups(const std::string& file, const std::vector<short>& phen
     input_error(file, 0,
                 counted(cases, "case", "cases") + " and " +
                     counted(controls, "control", "controls") +
-                    (before ? "; both expected" : " are left; both expected; loosen the filters"));
+                    (before ? "; both expected; where phenotypes are elsewhere, name the file by "
+                              "--pheno; where "
+                              "they are in this one, compare its FID and IID with the study's"
+                            : " are left; both expected; loosen the filters"));
 }
 
 }  // namespace vort

@@ -128,7 +128,7 @@ class Commands(unittest.TestCase):
         self.assert_fitted_risk(model["model"])
         log = (self.work / "out/run.log").read_text()
         digest = subprocess.run(["sha256sum", self.work / "study.bed"], capture_output=True)
-        for text in (summary, digest.stdout.decode()[:64], "--best-m 12", "analysis"):
+        for text in (summary, digest.stdout.decode()[:64], "--best-m 12", "models"):
             self.assertIn(text, log)
         self.assertIn(f"{len(self.study.people)} individuals", summary)
 
@@ -174,6 +174,7 @@ class Commands(unittest.TestCase):
 
     def test_misuse_and_bad_input(self):
         (self.work / "cut.bed").write_bytes((self.work / "study.bed").read_bytes()[:100])
+        (self.work / "full/report.html").mkdir(parents=True)
         run = ["run", *BED, "--out", "x"]
         for words, status, said in [
             (["run", *BED], 2, "--out"),
@@ -184,7 +185,10 @@ class Commands(unittest.TestCase):
             (["--colour"], 2, "--colour: is unknown"),
             ([*run, "--best-m", "many"], 2, "best-m"),
             ([*run, "--threads", "0"], 2, "threads"),
-            ([*run, "--maf", "1.5"], 2, "maf"),
+            ([*run, "--maf", "1.5"], 2, "maf.*0 to 1"),
+            ([*run, "--fdr", "nan"], 2, "fdr"),
+            ([*run, "--prepared", "nowhere"], 3, "nowhere/prepare_data0.*is not there"),
+            (["run", *BED, "--out", "full", "--force"], 3, "full/report.html: is a directory"),
             (["run", "--vcf", "study.vcf", "--out", "x"], 2, "--vcf needs --pheno"),
             ([*run, "--1"], 3, "study.fam:[0-9]*: phenotype 2"),
             ([*run, "--bed", "cut.bed"], 3, "cut.bed: 100 bytes; [0-9]* expected"),
@@ -227,6 +231,21 @@ class Commands(unittest.TestCase):
         self.run_study("out")
         self.assertFalse((self.work / "out/.vort-unfinished").exists())
 
+    def test_an_input_that_changes_is_told(self):
+        words = [PROGRAM, "run", *BED, *settings("2000"), "--out", "out"]
+        for change in ("truncate -s 10 study.bed", "touch study.bim"):
+            self.study.write_bed()
+            running = subprocess.Popen(words, cwd=self.work, stdout=subprocess.DEVNULL,
+                                       stderr=subprocess.PIPE)
+            while running.poll() is None and not (self.work / "out/.vort-unfinished").exists():
+                time.sleep(0.01)
+            time.sleep(0.2)
+            subprocess.run(change.split(), cwd=self.work, check=True)
+            told = running.communicate()[1].decode()
+            self.assertEqual(running.returncode, 3, told)
+            self.assertRegex(told, "study.b[a-z]*: changed during the run|became shorter")
+            self.assertFalse((self.work / "out/P_value.txt").exists())
+
     def test_a_full_disk_is_told(self):
         for size in (0, 500, 3000, 20000, 100000):
             with self.subTest(size):
@@ -249,6 +268,29 @@ class Commands(unittest.TestCase):
         self.run_study("saved", "--save-prepared", "prepared")
         self.run_study("again", "--prepared", "prepared")
         self.assert_same(REPORTS, "saved", "again")
+        self.study.phenotypes.reverse()
+        self.study.write_bed()
+        self.run_study("other", "--prepared", "prepared", status=3, said="not of this study")
+
+    def test_what_is_not_ours_stays(self):
+        (self.work / "mine").mkdir()
+        (self.work / "mine/file").write_text("x")
+        (self.work / "out").mkdir()
+        (self.work / "out/.vort-unfinished").symlink_to("../mine")
+        self.run_study("out")
+        self.assertEqual((self.work / "mine/file").read_text(), "x")
+
+    def test_tables_of_another_run_make_no_page(self):
+        self.run_study("one")
+        self.run_study("two", "--chr", "1")
+        for name, said in (("markers.tsv", "lines; "), ("model.json", "lines; ")):
+            before = (self.work / "one" / name).read_bytes()
+            (self.work / "one" / name).write_bytes((self.work / "two" / name).read_bytes())
+            self.vort("report", "one", status=3, said=said)
+            (self.work / "one" / name).write_bytes(before)
+        for text in ('{"format": 1}', "[" * 100000, '{"format": "vort-model", "format_version": 1}'):
+            (self.work / "one/model.json").write_text(text)
+            self.vort("report", "one", status=3, said="model.json: ")
 
     def test_bare_program(self):
         for threads in ("1", "2", "7", "64"):

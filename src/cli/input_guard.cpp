@@ -1,0 +1,55 @@
+#include "cli/input_guard.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <string_view>
+
+#include "cli/exit_status.h"
+#include "common/input_error.h"
+
+namespace vort {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Only what is safe in a signal handler.
+void end_for_shrunken_input(int) {
+    constexpr std::string_view kTold =
+        "vort: an input file became shorter while it was read; run it again\n";
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, kTold.data(), kTold.size());
+    ::_exit(kUnusableInput);
+}
+
+}  // namespace
+
+InputGuard::InputGuard(std::span<const InputFile> files) {
+    for (const InputFile& file : files) {
+        std::error_code failure;
+        if (!fs::is_regular_file(file.path, failure)) continue;
+        seen_.push_back({file.path, fs::file_size(file.path, failure),
+                         fs::last_write_time(file.path, failure)});
+    }
+}
+
+void InputGuard::require_unchanged() const {
+    for (const Seen& before : seen_) {
+        std::error_code failure;
+        if (fs::file_size(before.path, failure) == before.size && !failure &&
+            fs::last_write_time(before.path, failure) == before.time && !failure) {
+            continue;
+        }
+        input_error(before.path, 0,
+                    "changed during the run, whose results may be of both; a file that stays as it "
+                    "is expected; run it again");
+    }
+}
+
+void tell_shrunken_inputs() {
+    struct sigaction action {};
+    action.sa_handler = end_for_shrunken_input;
+    ::sigaction(SIGBUS, &action, nullptr);
+}
+
+}  // namespace vort
