@@ -51,11 +51,16 @@ void require_rows(const std::string& path, long found, long expected) {
 
 }  // namespace
 
-nlohmann::json write_results(const ModelDescription& run, const std::string& folder, bool gzip,
+nlohmann::json write_results(ModelDescription run, const std::string& folder, bool gzip,
                              int threads, Diagnostics& diagnostics) {
-    const MarkerRows& rows = run.rows;
-    write_marker_file(folder + (gzip ? "markers.tsv.gz" : "markers.tsv"), rows, gzip, threads,
-                      diagnostics);
+    ReportPage page(static_cast<long>(run.rows.size()));
+    std::vector<double> additive;
+    write_marker_file(folder + (gzip ? "markers.tsv.gz" : "markers.tsv"), run.rows, gzip, threads,
+                      diagnostics, [&](const MarkerRow& row) {
+                          page.add(row);
+                          additive.push_back(row.additive.chisq);
+                      });
+    run.lambda_gc = lambda_gc(std::move(additive));
     const std::vector<DataSetRow> data_sets =
         data_set_rows(run.record, run.study.markers, run.result.has_model);
     write_data_set_file(folder + "permutations.tsv", data_sets, diagnostics);
@@ -64,8 +69,6 @@ nlohmann::json write_results(const ModelDescription& run, const std::string& fol
     const nlohmann::ordered_json ordered = model_json(run);
     write_text(folder + "model.json", text_of(ordered) + '\n', diagnostics);
     nlohmann::json model = ordered;
-    ReportPage page(static_cast<long>(rows.size()));
-    for (std::size_t j = 0; j < rows.size(); ++j) page.add(rows.row(j));
     write_page(page, model, data_sets, quantiles, folder, diagnostics);
     return model;
 }

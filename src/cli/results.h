@@ -15,9 +15,10 @@ inline constexpr std::array kRunResults = {"P_value.txt",   "Final_result.txt", 
                                            "quantiles.tsv", "permutations.tsv", "model.json",
                                            "report.html",   "run.log"};
 
-// Writes the tables, model.json and report.html into `folder`, which ends with a slash, and returns
-// what stands in model.json. A file that cannot be written to its end stops the run.
-nlohmann::json write_results(const ModelDescription& run, const std::string& folder, bool gzip,
+// Writes the tables, model.json (with lambda, which comes of the markers) and report.html into
+// `folder`, which ends with a slash, and returns what stands in model.json. A file that cannot be
+// written to its end stops the run.
+nlohmann::json write_results(ModelDescription run, const std::string& folder, bool gzip,
                              int threads, Diagnostics& diagnostics);
 
 // report.html anew from the other files in `from`, into `folder`; both end with a slash. Throws

@@ -217,8 +217,7 @@ void Run::write_tables() {
                                        .parameters = parameters_,
                                        .result = result_,
                                        .record = recorder_->record(),
-                                       .rows = rows,
-                                       .lambda_gc = rows.lambda_gc(options_.threads)};
+                                       .rows = rows};
     tell_untested(rows, selected);
     const nlohmann::json model = write_results(description, folder_.unfinished(), options_.gzip,
                                                options_.threads, diagnostics_);

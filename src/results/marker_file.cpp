@@ -84,12 +84,22 @@ std::string compressed(std::string_view text) {
     return out;
 }
 
-// Rows begin .. end - 1, the header in front of the first.
-std::string text_of(const MarkerRows& rows, std::size_t begin, std::size_t end, bool gzip) {
+// Some rows, and their lines, the header in front of the first.
+struct Piece {
+    std::vector<MarkerRow> rows;
+    std::string text;
+};
+
+Piece make_piece(const MarkerRows& rows, std::size_t begin, std::size_t end, bool gzip) {
+    Piece piece;
     Transcript out(true);
     if (begin == 0) out << kHeader << '\n';
-    for (std::size_t j = begin; j < end; ++j) put_row(out, rows.row(j));
-    return gzip ? compressed(out.text()) : std::string(out.text());
+    for (std::size_t j = begin; j < end; ++j) {
+        piece.rows.push_back(rows.row(j));
+        put_row(out, piece.rows.back());
+    }
+    piece.text = gzip ? compressed(out.text()) : std::string(out.text());
+    return piece;
 }
 
 class RowReader {
@@ -144,21 +154,24 @@ class RowReader {
 }  // namespace
 
 void write_marker_file(const std::string& path, const MarkerRows& rows, bool gzip, int threads,
-                       Diagnostics& diagnostics) {
+                       Diagnostics& diagnostics, const TakeRow& take) {
     OutputFile file(path, OutputFile::Mode::kTruncate, diagnostics);
     const std::size_t pieces =
         std::max<std::size_t>((rows.size() + kRowsAtOnce - 1) / kRowsAtOnce, 1);
     for_each_in_order(
         threads, pieces,
-        [&](std::size_t piece) {
-            const std::size_t begin = piece * kRowsAtOnce;
-            return text_of(rows, begin, std::min(rows.size(), begin + kRowsAtOnce), gzip);
+        [&](std::size_t p) {
+            const std::size_t begin = p * kRowsAtOnce;
+            return make_piece(rows, begin, std::min(rows.size(), begin + kRowsAtOnce), gzip);
         },
-        [&](std::size_t, const std::string& text) { file << text; });
+        [&](std::size_t, const Piece& piece) {
+            file << piece.text;
+            for (const MarkerRow& row : piece.rows) take(row);
+        });
     if (!file.close()) stop("", 1);
 }
 
-void read_marker_file(const std::string& path, const std::function<void(const MarkerRow&)>& take) {
+void read_marker_file(const std::string& path, const TakeRow& take) {
     const std::string text = read_whole_file(path);
     RowReader rows(path, text);
     MarkerRow row;

@@ -20,13 +20,17 @@
 
 namespace vort {
 
-// Writes all rows, formatted (and compressed, where `gzip`) in parallel. The bytes do not depend on
-// the number of threads. A file that cannot be written to its end stops the run.
+// Gets all rows in their order, one at a time.
+using TakeRow = std::function<void(const MarkerRow& row)>;
+
+// Writes all rows, formed and formatted (and compressed, where `gzip`) in parallel, and hands them
+// on. The bytes do not depend on the number of threads. A file that cannot be written to its end
+// stops the run.
 void write_marker_file(const std::string& path, const MarkerRows& rows, bool gzip, int threads,
-                       Diagnostics& diagnostics);
+                       Diagnostics& diagnostics, const TakeRow& take);
 
 // Hands on each line; the row's texts last as long as the call. Throws InputError where the file
 // cannot be read or is no such table.
-void read_marker_file(const std::string& path, const std::function<void(const MarkerRow&)>& take);
+void read_marker_file(const std::string& path, const TakeRow& take);
 
 }  // namespace vort

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "common/parallel.h"
 #include "numeric/chi_square_upper.h"
 #include "results/table_text.h"
 #include "screening/five_model_statistics.h"
@@ -145,15 +144,7 @@ MarkerRow MarkerRows::row(std::size_t j) const {
     return row;
 }
 
-double MarkerRows::lambda_gc(int threads) const {
-    std::vector<double> statistics(size(), kNotAvailable);
-    for_each_stretch(threads, size(), 4096, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t j = begin; j < end; ++j) {
-            MarkerRow row;
-            if (!is_dropped(j)) fill_tests(counts_[j], row);
-            statistics[j] = row.additive.chisq;
-        }
-    });
+double lambda_gc(std::vector<double> statistics) {
     std::erase_if(statistics, [](double statistic) { return !(statistic >= 0); });
     if (statistics.empty()) return kNotAvailable;
     const auto middle = statistics.begin() + static_cast<std::ptrdiff_t>(statistics.size() / 2);

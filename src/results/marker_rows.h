@@ -33,10 +33,6 @@ class MarkerRows {
 
     long dropped() const;
 
-    // The median additive statistic over that of its distribution (Devlin & Roeder, Biometrics
-    // 1999; 55, 997-1004); not available without tested markers.
-    double lambda_gc(int threads) const;
-
   private:
     bool is_dropped(std::size_t j) const;
     void fill_ranks(std::size_t j, MarkerRow& row) const;
@@ -50,5 +46,9 @@ class MarkerRows {
     int most_missing_cases_ = 0;
     int most_missing_controls_ = 0;
 };
+
+// The median of additive statistics over that of their distribution (Devlin & Roeder, Biometrics
+// 1999; 55, 997-1004). Those that are not available are left out; without any it is neither.
+double lambda_gc(std::vector<double> statistics);
 
 }  // namespace vort

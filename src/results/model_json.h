@@ -27,7 +27,7 @@ struct ModelDescription {
     const Result& result;
     const RunRecord& record;
     const MarkerRows& rows;
-    double lambda_gc;  // of the additive test
+    double lambda_gc = kNotAvailable;  // of the additive test
 };
 
 nlohmann::ordered_json model_json(const ModelDescription& run);
