@@ -33,6 +33,23 @@ void check_bed(const MappedFile& file, std::size_t individuals, std::size_t mark
                     std::to_string(markers) + " markers (.bim)");
 }
 
+// A .fam that has lost a line may fit a .bed in size, but then somebody's genotypes lie where
+// nothing should. Looks at the first columns, in which such a person is bound to have some.
+void tell_of_padding(const MappedFile& file, std::size_t individuals, std::size_t markers,
+                     Study& study) {
+    constexpr std::size_t kLooked = 1000;
+    const std::size_t used = individuals % 4;
+    if (used == 0) return;
+    const std::size_t stride = (individuals + 3) / 4;
+    for (std::size_t j = 1; j <= std::min(markers, kLooked); ++j) {
+        if (file.bytes()[kHeader + j * stride - 1] >> 2 * used == 0) continue;
+        study.notes.push_back(file.path() + " has something behind the last of " +
+                              std::to_string(individuals) +
+                              " individuals; see whether the .fam has lost a line.");
+        return;
+    }
+}
+
 class BedReader : public CohortReader {
   public:
     BedReader(const StudyFiles& files, Study& study) : files_(files) {
@@ -51,6 +68,7 @@ class BedReader : public CohortReader {
         cohort.markers = read_bim(files_.bim);
         const auto file = std::make_shared<const MappedFile>(files_.bed);
         check_bed(*file, people_, cohort.markers.size());
+        tell_of_padding(*file, people_, cohort.markers.size(), study);
         study.markers_read = static_cast<long>(cohort.markers.size());
         cohort.genotypes = Genotypes(static_cast<int>(people_),
                                      static_cast<int>(cohort.markers.size()), file, kHeader);

@@ -164,13 +164,16 @@ void require_both_groups(const std::string& file, const std::vector<short>& phen
     const auto cases = std::count(phenotypes.begin(), phenotypes.end(), short{1});
     const auto controls = std::count(phenotypes.begin(), phenotypes.end(), short{0});
     if (cases > 0 && controls > 0) return;
+    const char* advice = "; both expected";
+    if (!before) advice = " are left; both expected; loosen the filters";
+    if (cases + controls == 0 && before) {
+        advice =
+            "; both expected; name the file that has phenotypes by --pheno, or compare its "
+            "FID and IID with the study's";
+    }
     input_error(file, 0,
                 counted(cases, "case", "cases") + " and " +
-                    counted(controls, "control", "controls") +
-                    (before ? "; both expected; where phenotypes are elsewhere, name the file by "
-                              "--pheno; where "
-                              "they are in this one, compare its FID and IID with the study's"
-                            : " are left; both expected; loosen the filters"));
+                    counted(controls, "control", "controls") + advice);
 }
 
 }  // namespace vort

@@ -66,6 +66,8 @@ TEST(LoadStudy, WhatIsOddIsTold) {
               "2 markers not on chromosomes 1 to 26; 1 markers negative position; "
               "1 people no phenotype; ");
     EXPECT_EQ(notes_of(study),
+              "s.bed has something behind the last of 5 individuals; see whether the .fam has lost "
+              "a line.\n"
               "The markers were out of order; they are sorted by chromosome and position.\n"
               "1 marker name occurs more than once, rs1 for one.\n"
               "1 marker is on chromosomes 23 to 26 (Y 1); males' genotypes there are used as they "
