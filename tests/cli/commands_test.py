@@ -232,7 +232,7 @@ class Commands(unittest.TestCase):
         self.assertFalse((self.work / "out/.vort-unfinished").exists())
 
     def test_an_input_that_changes_is_told(self):
-        words = [PROGRAM, "run", *BED, *settings("2000"), "--out", "out"]
+        words = [PROGRAM, "run", *BED, *settings("150"), "--out", "out"]
         for change in ("truncate -s 10 study.bed", "touch study.bim"):
             self.study.write_bed()
             running = subprocess.Popen(words, cwd=self.work, stdout=subprocess.DEVNULL,
@@ -257,11 +257,11 @@ class Commands(unittest.TestCase):
 
     def test_progress_is_a_line_on_a_terminal(self):
         terminal, inside = pty.openpty()
-        subprocess.run([PROGRAM, "run", *BED, *settings("300"), "--out", "out"], cwd=self.work,
+        subprocess.run([PROGRAM, "run", *BED, *settings("100"), "--out", "out"], cwd=self.work,
                        stdout=subprocess.DEVNULL, stderr=inside, check=True)
         os.close(inside)
         shown = os.read(terminal, 1 << 16).decode()
-        self.assertRegex(shown, r"\r(screening|modelling) \[#*-*\] \d+/301  \d+:\d\d elapsed")
+        self.assertRegex(shown, r"\r(screening|modelling) \[#*-*\] \d+/101  \d+:\d\d elapsed")
         self.assertTrue(shown.endswith("\r\x1b[K"), repr(shown[-40:]))
 
     def test_prepared_files_take_the_place_of_the_screening(self):
