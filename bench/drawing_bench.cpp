@@ -36,10 +36,11 @@ std::vector<unsigned char> spread_labels(int n) {
 
 double label_runs(int n, Instructions instructions) {
     const LabelRuns runs(spread_labels(n), instructions);
+    const Generator::Skip order(static_cast<std::uint64_t>(n));
     std::vector<std::uint64_t> planes(LabelRuns::kOrdersAtOnce * runs.plane_words());
     Generator generator;
     return nanoseconds(std::int64_t{n} * LabelRuns::kOrdersAtOnce, [&] {
-        runs.draw(generator, LabelRuns::kOrdersAtOnce, planes.data());
+        runs.draw(generator, order, LabelRuns::kOrdersAtOnce, planes.data());
         generator.skip(std::uint64_t{LabelRuns::kOrdersAtOnce} * static_cast<unsigned>(n));
     });
 }

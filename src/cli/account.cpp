@@ -1,8 +1,14 @@
 #include "cli/account.h"
 
+#include "common/odd_files.h"
 #include "report/wording.h"
 
 namespace vort {
+
+void tell_pipes(const StudyRequest& request, Terminal& terminal) {
+    Diagnostics diagnostics(terminal.errors());
+    for (const std::string& path : named_files(request)) tell_pipe(path, diagnostics);
+}
 
 void tell_account(const Study& study, Terminal& terminal) {
     for (const LeftOut& left : study.left_out) {

@@ -3,10 +3,10 @@
 
 #include <atomic>
 #include <future>
-#include <span>
 #include <string>
 #include <vector>
 
+#include "parts/file_checksum.h"
 #include "study/study.h"
 
 namespace vort {
@@ -15,9 +15,6 @@ struct Checksum {
     InputFile file;
     std::string sha256;  // 64 hexadecimal digits, or in brackets why there is none
 };
-
-// Of a file; stops early where `*wanted` becomes false.
-std::string sha256_of(const std::string& path, const std::atomic<bool>& wanted);
 
 // Begins at once, in a thread of its own.
 class Checksums {

@@ -15,10 +15,18 @@
 #include "cli/exit_status.h"
 #include "cli/import_command.h"
 #include "cli/input_guard.h"
+#include "cli/last_words.h"
+#include "cli/merge_command.h"
 #include "cli/nearest_name.h"
+#include "cli/plan_command.h"
+#include "cli/predict_command.h"
 #include "cli/report_command.h"
 #include "cli/run_command.h"
+#include "cli/standard_streams.h"
+#include "cli/status_command.h"
+#include "cli/task_command.h"
 #include "cli/version.h"
+#include "common/characters.h"
 #include "common/console.h"
 #include "common/input_error.h"
 #include "common/stop.h"
@@ -52,7 +60,8 @@ int threads_of_environment(Diagnostics& diagnostics) {
     return available_processors();
 }
 
-// Ends as problems of files, parameters and data do, after their message on standard output.
+// Ends as problems of files, parameters and data do, after their message on standard output. Throws
+// std::bad_alloc.
 int run_bare() {
     Diagnostics diagnostics(std::cerr);
     StandardOutput output(diagnostics);
@@ -69,8 +78,7 @@ int run_bare() {
                         std::string("a fault in the program: ") + fault.what());
         return 1;
     } catch (const std::bad_alloc&) {
-        diagnostics.say("ends for lack of resources", "vort", 0, "the memory does not suffice");
-        return 1;
+        throw;
     } catch (const std::exception& problem) {
         diagnostics.say("ends for lack of resources", "vort", 0, problem.what());
         return 1;
@@ -86,9 +94,17 @@ class Commands {
         app_.require_subcommand(1);
         app_.get_formatter()->column_width(30);
         Diagnostics diagnostics(std::cerr);
-        run_.threads = import_.threads = threads_of_environment(diagnostics);
-        run_.words = std::move(words);
-        commands_ = {{add_run_command(app_, run_), [this] { run_study(run_); }},
+        run_.threads = import_.threads = predict_.threads = threads_of_environment(diagnostics);
+        task_.threads = merge_.threads = plan_.run.threads = run_.threads;
+        run_.words = merge_.words = std::move(words);
+        CLI::App* const run = add_run_command(app_, run_);
+        CLI::App* const plan = add_plan_command(app_, plan_);
+        commands_ = {{run, [this, run] { run_study(run_, given_options(*run)); }},
+                     {plan, [this, plan] { plan_run(plan_, given_options(*plan)); }},
+                     {add_task_command(app_, task_), [this] { work_on_task(task_); }},
+                     {add_merge_command(app_, merge_), [this] { merge_run(merge_); }},
+                     {add_status_command(app_, status_), [this] { show_status(status_); }},
+                     {add_predict_command(app_, predict_), [this] { predict_study(predict_); }},
                      {add_import_command(app_, import_), [this] { import_study(import_); }},
                      {add_report_command(app_, report_), [this] { make_report(report_); }}};
     }
@@ -138,16 +154,23 @@ class Commands {
         "with a permutation p-value. Without arguments the study in the working directory\n"
         "is analysed (parameter.txt)."};
     RunOptions run_;
+    PredictOptions predict_;
+    PlanOptions plan_;
+    TaskOptions task_;
+    RunOptions merge_;
+    StatusOptions status_;
     ImportOptions import_;
     std::string report_;
     std::vector<Command> commands_;
 };
 
-int say(const std::string& text, int status) {
+int say(std::string text, int status) {
+    std::ranges::transform(text, text.begin(), visible);
     if (!text.empty()) std::cerr << "vort: " << text << '\n';
     return status;
 }
 
+// Throws std::bad_alloc.
 int run_command(const Commands& commands) {
     try {
         commands.run();
@@ -159,7 +182,7 @@ int run_command(const Commands& commands) {
     } catch (const Stop& stop) {
         return say(stop.text, kLackOfResources);
     } catch (const std::bad_alloc&) {
-        return say("the memory does not suffice", kLackOfResources);
+        throw;
     } catch (const std::system_error& problem) {
         const bool thread = problem.code() == std::errc::resource_unavailable_try_again;
         return say(problem.what() + std::string(thread ? "; no thread; try fewer --threads" : ""),
@@ -169,23 +192,41 @@ int run_command(const Commands& commands) {
     }
 }
 
-}  // namespace
+// Help and version go to standard output.
+int answer(const CLI::App& app, const CLI::ParseError& error) {
+    app.exit(error);
+    if (std::cout.flush()) return kDone;
+    return say("standard output cannot be written", kLackOfResources);
+}
 
-int run_command_line(int argc, char** argv) {
-    // A reader that goes away costs the console text, not the reports; a file that may not grow is
-    // told as a full disk is.
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
-    if (argc <= 1) return run_bare();
-    tell_shrunken_inputs();
+int run_commands(int argc, char** argv) {
     Commands commands({argv, argv + argc});
     try {
         commands.app().parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return commands.app().exit(error);
+        if (error.get_exit_code() == 0) return answer(commands.app(), error);
         return say(commands.misuse(error), kMisused);
     }
     return run_command(commands);
+}
+
+}  // namespace
+
+int run_command_line(int argc, char** argv) {
+    occupy_standard_streams();
+    // A reader that goes away costs the console text, not the reports; a file that may not grow is
+    // told as a full disk is.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    tell_shrunken_inputs();
+    const int out_of_memory = argc <= 1 ? 1 : kLackOfResources;
+    tell_lack_of_memory_at_any_end(out_of_memory);
+    try {
+        return argc <= 1 ? run_bare() : run_commands(argc, argv);
+    } catch (const std::bad_alloc&) {
+        tell_lack_of_memory();
+        return out_of_memory;
+    }
 }
 
 }  // namespace vort

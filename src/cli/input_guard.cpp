@@ -24,26 +24,41 @@ void end_for_shrunken_input(int) {
 
 }  // namespace
 
-InputGuard::InputGuard(std::span<const InputFile> files) {
-    for (const InputFile& file : files) {
+void InputGuard::add(std::span<const std::string> paths) {
+    for (const std::string& path : paths) {
         std::error_code failure;
-        if (!fs::is_regular_file(file.path, failure)) continue;
-        seen_.push_back({file.path, fs::file_size(file.path, failure),
-                         fs::last_write_time(file.path, failure)});
+        if (!fs::is_regular_file(path, failure)) continue;
+        seen_.push_back({path, fs::file_size(path, failure), fs::last_write_time(path, failure)});
     }
 }
 
-void InputGuard::require_unchanged() const {
+void InputGuard::add_folder(const std::string& folder) {
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        const std::string path = entry->path().string();
+        add({&path, 1});
+    }
+}
+
+const InputGuard::Seen* InputGuard::first_changed() const {
     for (const Seen& before : seen_) {
         std::error_code failure;
         if (fs::file_size(before.path, failure) == before.size && !failure &&
             fs::last_write_time(before.path, failure) == before.time && !failure) {
             continue;
         }
-        input_error(before.path, 0,
-                    "changed during the run, whose results may be of both; a file that stays as it "
-                    "is expected; run it again");
+        return &before;
     }
+    return nullptr;
+}
+
+void InputGuard::require_unchanged() const {
+    const Seen* const changed = first_changed();
+    if (changed == nullptr) return;
+    input_error(changed->path, 0,
+                "changed during the run, whose results may be of both; a file that stays as it "
+                "is expected; run it again");
 }
 
 void tell_shrunken_inputs() {

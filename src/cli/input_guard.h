@@ -3,9 +3,8 @@
 
 #include <filesystem>
 #include <span>
+#include <string>
 #include <vector>
-
-#include "study/study.h"
 
 namespace vort {
 
@@ -14,11 +13,15 @@ namespace vort {
 class InputGuard {
   public:
     InputGuard() = default;
-    // Notes sizes and times of regular files.
-    explicit InputGuard(std::span<const InputFile> files);
+    // Notes sizes and times of regular files, which are to be read from now on.
+    explicit InputGuard(std::span<const std::string> paths) { add(paths); }
+    void add(std::span<const std::string> paths);
+    // All that is in a folder.
+    void add_folder(const std::string& folder);
 
     // Throws InputError where one of them has changed since.
     void require_unchanged() const;
+    bool are_unchanged() const { return first_changed() == nullptr; }
 
   private:
     struct Seen {
@@ -26,6 +29,8 @@ class InputGuard {
         std::uintmax_t size;
         std::filesystem::file_time_type time;
     };
+
+    const Seen* first_changed() const;
 
     std::vector<Seen> seen_;
 };

@@ -11,7 +11,9 @@ namespace {
 
 constexpr const char* kInput = "Input, one of --bfile, --vcf, --raw, --study";
 constexpr const char* kPhenotype = "Phenotype";
+constexpr const char* kWithin = "Permutation";
 constexpr const char* kFilters = "Filters, as in PLINK 1.9 and in its order";
+constexpr const char* kPeople = "Individuals";
 
 template <typename T>
 void add(CLI::App& command, const char* group, const char* name, T& value, const char* type,
@@ -27,7 +29,9 @@ void add_files(CLI::App& command, InputOptions& options) {
     add(command, kInput, "--bim", files.bim, "FILE", "this .bim instead; or the .bim of --raw");
     add(command, kInput, "--fam", files.fam, "FILE", "this .fam instead");
     add(command, kInput, "--vcf", files.vcf, "FILE",
-        "VCF, plain or bgzipped, or BCF; ALT is counted, --pheno is needed");
+        options.request.phenotype.optional
+            ? "VCF, plain or bgzipped, or BCF; ALT is counted"
+            : "VCF, plain or bgzipped, or BCF; ALT is counted, --pheno is needed");
     add(command, kInput, "--raw", files.raw, "FILE", "additive recoding: FID IID ... ID_ALLELE");
     add(command, kInput, "--study", files.directory, "DIR",
         "a directory with parameter.txt, as the bare vort reads it");
@@ -44,9 +48,13 @@ void add_phenotype(CLI::App& command, PhenotypeSource& phenotype) {
         ->group(kPhenotype);
 }
 
+void add_people(CLI::App& command, const char* group, Filters& filters) {
+    add(command, group, "--keep", filters.keep, "FILE", "only these individuals (FID IID)");
+    add(command, group, "--remove", filters.remove, "FILE", "all but these individuals");
+}
+
 void add_filters(CLI::App& command, Filters& filters) {
-    add(command, kFilters, "--keep", filters.keep, "FILE", "only these individuals (FID IID)");
-    add(command, kFilters, "--remove", filters.remove, "FILE", "all but these individuals");
+    add_people(command, kFilters, filters);
     add(command, kFilters, "--extract", filters.extract, "FILE", "only these markers");
     add(command, kFilters, "--exclude", filters.exclude, "FILE", "all but these markers");
     add(command, kFilters, "--chr", filters.chromosomes, "LIST",
@@ -90,6 +98,21 @@ void add_input_options(CLI::App& command, InputOptions& options) {
     add_filters(command, options.request.filters);
 }
 
+void add_within_options(CLI::App& command, InputOptions& options) {
+    ClusterSource& within = options.request.within;
+    add(command, kWithin, "--within", within.file, "FILE",
+        "FID, IID and clusters: phenotypes are shuffled within each cluster only");
+    add(command, kWithin, "--within-name", within.name, "NAME",
+        "the column of --within [default: the third]");
+}
+
+void add_people_options(CLI::App& command, InputOptions& options) {
+    options.request.phenotype.optional = true;
+    add_files(command, options);
+    add_phenotype(command, options.request.phenotype);
+    add_people(command, kPeople, options.request.filters);
+}
+
 StudyRequest study_request(const InputOptions& options) {
     StudyRequest request = options.request;
     StudyFiles& files = request.files;
@@ -105,11 +128,15 @@ StudyRequest study_request(const InputOptions& options) {
     } else if (!files.bim.empty() && files.format != StudyFormat::kRaw) {
         misused("--bim goes with --bfile or --raw");
     }
-    if (files.format == StudyFormat::kVcf && request.phenotype.file.empty()) {
+    const PhenotypeSource& phenotype = request.phenotype;
+    if (files.format == StudyFormat::kVcf && phenotype.file.empty() && !phenotype.optional) {
         misused("--vcf needs --pheno FILE, since a VCF has no phenotypes");
     }
-    if (request.phenotype.file.empty() && !request.phenotype.name.empty()) {
+    if (phenotype.file.empty() && !phenotype.name.empty()) {
         misused("--pheno-name names a column of --pheno FILE");
+    }
+    if (request.within.file.empty() && !request.within.name.empty()) {
+        misused("--within-name names a column of --within FILE");
     }
     return request;
 }

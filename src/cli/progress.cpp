@@ -12,7 +12,14 @@ constexpr double kBetweenLines = 1;  // seconds
 constexpr auto kBetweenTicks = std::chrono::milliseconds(250);
 
 const char* name_of(Stage stage) {
-    return stage == Stage::kScreen ? "screening" : "modelling";
+    constexpr std::array kNames = {"screening", "searching", "modelling"};
+    return kNames[static_cast<std::size_t>(stage)];
+}
+
+std::array<double, kStages> numbers(const StageCounts& counts) {
+    std::array<double, kStages> numbers{};
+    std::ranges::copy(counts, numbers.begin());
+    return numbers;
 }
 
 }  // namespace
@@ -27,45 +34,51 @@ std::string clock_text(double seconds) {
     return std::to_string(whole / 3600) + ':' + two_digits(whole / 60 % 60) + end;
 }
 
-Progress::Progress(const RunSize& size, Terminal& terminal, bool quiet, Observer& next)
-    : terminal_(terminal),
-      quiet_(quiet),
-      next_(next),
-      data_sets_(static_cast<int>(size.data_sets)),
-      estimate_(size) {
+Progress::Progress(const RunSize& size, int data_sets, const StageCounts& todo, Terminal& terminal,
+                   bool quiet)
+    : terminal_(terminal), quiet_(quiet), data_sets_(data_sets), estimate_(size, numbers(todo)) {
+    for (std::size_t s = 0; s < kStages; ++s) before_[s] = data_sets - todo[s];
     if (quiet_ || !terminal_.is_terminal()) return;
     ticker_ = std::jthread([this](const std::stop_token& stop) { tick(stop); });
 }
 
-double Progress::models_began() const {
+TellWork Progress::tell() {
+    return [this](Stage stage, double data_sets) { working(stage, data_sets); };
+}
+
+void Progress::next_task() {
     const std::scoped_lock lock(mutex_);
-    return estimate_.models_began();
+    for (std::size_t s = 0; s < kStages; ++s) of_tasks_[s] += of_task_[s];
+    of_task_ = {};
+}
+
+void Progress::drop(Stage stage) {
+    const std::scoped_lock lock(mutex_);
+    estimate_.drop(stage);
+}
+
+double Progress::seconds(Stage stage) const {
+    const std::scoped_lock lock(mutex_);
+    return estimate_.seconds(stage);
 }
 
 double Progress::seconds() const {
     return std::chrono::duration<double>(Clock::now() - start_).count();
 }
 
-void Progress::screened(const ScreenedView& view) {
-    next_.screened(view);
-    const std::scoped_lock lock(mutex_);
-    stage_done_ = view.data_set + 1;
-}
-
-void Progress::modelled(const ModelledView& view) {
-    next_.modelled(view);
-    const std::scoped_lock lock(mutex_);
-    stage_done_ = view.data_set + 1;
-}
-
 void Progress::working(Stage stage, double data_sets) {
     const std::scoped_lock lock(mutex_);
-    if (stage != stage_) stage_done_ = 0;
     stage_ = stage;
-    // Parts of data sets, of which none is complete, add up to some that are.
-    stage_done_ = std::max(stage_done_, static_cast<int>(data_sets));
-    estimate_.update(stage, data_sets, seconds());
+    const auto s = static_cast<std::size_t>(stage);
+    of_task_[s] = data_sets;
+    estimate_.update(stage, of_tasks_[s] + data_sets, seconds());
     tell_tenth();
+}
+
+// Parts of data sets, of which none is complete, add up to some that are.
+int Progress::stage_done() const {
+    const auto s = static_cast<std::size_t>(stage_);
+    return std::min(before_[s] + static_cast<int>(of_tasks_[s] + of_task_[s] + 1e-6), data_sets_);
 }
 
 void Progress::tell_tenth() {
@@ -77,7 +90,7 @@ void Progress::tell_tenth() {
     tenths_told_ = tenths;
     told_at_ = now;
     terminal_.say(std::to_string(10 * tenths) + " %, " + name_of(stage_) + ' ' +
-                  std::to_string(stage_done_) + " of " + std::to_string(data_sets_) +
+                  std::to_string(stage_done()) + " of " + std::to_string(data_sets_) +
                   " data sets, " + clock_text(now) + " elapsed, " +
                   clock_text(estimate_.remaining(now)) + " remaining");
 }
@@ -89,7 +102,7 @@ std::string Progress::bar_line() const {
     const int filled = static_cast<int>(kWidth * estimate_.done());
     const double remaining = estimate_.remaining(now);
     return std::string(name_of(stage_)) + " [" + std::string(filled, '#') +
-           std::string(kWidth - filled, '-') + "] " + std::to_string(stage_done_) + '/' +
+           std::string(kWidth - filled, '-') + "] " + std::to_string(stage_done()) + '/' +
            std::to_string(data_sets_) + "  " + clock_text(now) + " elapsed" +
            (remaining < 0 ? "" : "  " + clock_text(remaining) + " remaining");
 }

@@ -21,4 +21,14 @@ CLI::Validator within(T low, T high) {
     return {check, ""};
 }
 
+// Neither 0 nor 1.
+inline CLI::Validator proper_share() {
+    const auto check = [](const std::string& text) {
+        double value = 0;
+        if (CLI::detail::lexical_cast(text, value) && value > 0 && value < 1) return std::string();
+        return text + "; a share above 0 and below 1 expected";
+    };
+    return {check, ""};
+}
+
 }  // namespace vort

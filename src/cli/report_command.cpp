@@ -13,6 +13,8 @@ namespace vort {
 namespace {
 
 constexpr const char* kReport[] = {"report.html"};
+constexpr const char* kRead[] = {"model.json", "markers.tsv", "markers.tsv.gz", "permutations.tsv",
+                                 "quantiles.tsv"};
 
 }  // namespace
 
@@ -27,12 +29,15 @@ void make_report(const std::string& path) {
     // Before the folder is looked at as one of results to be.
     read_model(path + "/model.json");
     Terminal terminal;
-    ResultFolder folder(path, kReport, true);
+    std::vector<std::string> inputs;
+    for (const char* name : kRead) inputs.push_back(path + '/' + name);
+    ResultFolder folder(path, kReport, true, inputs, terminal);
     const Interruption interruption([&] { folder.discard(); });
     Diagnostics diagnostics(terminal.errors());
     write_report_page(path + '/', folder.unfinished(), diagnostics);
+    const std::string done = "the report: " + path + "/report.html\n";
     folder.publish();
-    terminal.print("the report: " + path + "/report.html\n");
+    terminal.print(done);
 }
 
 }  // namespace vort

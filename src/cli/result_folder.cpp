@@ -5,12 +5,15 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
+#include "common/file_descriptor.h"
 #include "common/input_error.h"
+#include "common/output_file.h"
 
 namespace vort {
 
@@ -20,14 +23,11 @@ namespace {
 
 constexpr const char* kUnfinished = ".vort-unfinished";
 
-// So that a file is on the disk before it gets its name.
-void flush(const fs::path& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    const bool flushed = file >= 0 && ::fsync(file) == 0;
-    const int error = errno;
-    if (file >= 0) ::close(file);
-    if (flushed || error == EINVAL || error == EROFS) return;
-    throw std::system_error(error, std::generic_category(), path.string());
+// So that what was written is on the disk before it gets its name.
+void flush(const std::string& path) {
+    FileDescriptor file(path, O_RDONLY);
+    if (file.is_open() && file.sync() && file.close()) return;
+    throw std::system_error(file.error(), std::generic_category(), path);
 }
 
 std::string without_slashes(std::string path) {
@@ -41,16 +41,16 @@ std::string megabytes(double bytes) {
 
 }  // namespace
 
-ResultFolder::ResultFolder(std::string path, std::span<const char* const> names, bool force)
+ResultFolder::ResultFolder(std::string path, std::span<const char* const> names, bool force,
+                           std::span<const std::string> inputs, Terminal& terminal)
     : path_(without_slashes(std::move(path))),
       unfinished_(path_ + '/' + kUnfinished + '/'),
       names_(names) {
     make();
-    lock_ = std::make_unique<DirectoryLock>(path_);
-    if (!lock_->held()) {
-        throw InputError{path_ + ": another run is at work there; name another directory"};
-    }
+    take_lock(terminal);
     look_for_results(force);
+    require_apart(inputs);
+    require_outside(inputs, unfinished_);
     discard();
     std::error_code failure;
     if (fs::create_directory(unfinished_, failure)) return;
@@ -60,11 +60,26 @@ ResultFolder::ResultFolder(std::string path, std::span<const char* const> names,
 
 void ResultFolder::make() {
     std::error_code failure;
-    made_ = fs::create_directories(path_, failure);
+    std::vector<std::string> missing;
+    for (fs::path folder = path_; !folder.empty() && !fs::exists(folder, failure);
+         folder = folder.parent_path()) {
+        missing.push_back(folder.string());
+    }
+    if (fs::create_directories(path_, failure)) made_ = std::move(missing);
     std::error_code unseen;
     if (fs::is_directory(path_, unseen)) return;
     throw InputError{path_ + ": cannot be made (" + (failure ? failure : unseen).message() +
                      "); a directory for the results was expected"};
+}
+
+void ResultFolder::take_lock(Terminal& terminal) {
+    lock_ = std::make_unique<DirectoryLock>(path_);
+    if (!lock_->held()) {
+        throw InputError{path_ + ": another run is at work there; name another directory"};
+    }
+    if (lock_->error() == 0) return;
+    terminal.say(path_ + ": cannot be locked (" + std::strerror(lock_->error()) +
+                 "); a second run there would not be noticed");
 }
 
 void ResultFolder::look_for_results(bool force) const {
@@ -84,14 +99,20 @@ void ResultFolder::look_for_results(bool force) const {
 }
 
 ResultFolder::~ResultFolder() {
-    discard();
-    std::error_code failure;
-    if (made_ && !published_) fs::remove(path_, failure);
+    try {
+        discard();
+        if (complete_) return;
+        std::error_code failure;
+        for (const std::string& folder : made_) fs::remove(folder, failure);
+    } catch (const std::exception&) {
+        // No memory to tidy up with: the next run there does it.
+    }
 }
 
 // Without the slash at its end, a link would not be followed.
 void ResultFolder::discard() {
     const std::scoped_lock lock(mutex_);
+    if (complete_) return;
     std::error_code failure;
     fs::remove_all(fs::path(path_) / kUnfinished, failure);
 }
@@ -105,21 +126,82 @@ void ResultFolder::require_room(double bytes) const {
                              "; the results need " + megabytes(bytes));
 }
 
-void ResultFolder::publish() {
-    const std::scoped_lock lock(mutex_);
-    for (const auto& entry : fs::directory_iterator(unfinished_)) flush(entry.path());
-    const fs::path folder(path_);
-    std::error_code absent;
-    fs::remove(folder / names_.back(), absent);
-    for (const char* name : names_) {
-        if (fs::exists(unfinished_ + name)) {
-            fs::rename(unfinished_ + name, folder / name);
-        } else {
-            fs::remove(folder / name, absent);
+void ResultFolder::require_apart(std::span<const std::string> inputs) const {
+    for (const std::string& input : inputs) {
+        for (const char* name : names_) {
+            const std::string result = fs::path(path_) / name;
+            std::error_code absent;
+            if (!fs::equivalent(input, result, absent) || absent) continue;
+            throw InputError{std::string(input)
+                                 .append(": is an input, and ")
+                                 .append(result)
+                                 .append(" a result; name another directory")};
         }
     }
-    published_ = true;
-    flush(folder);
+}
+
+void ResultFolder::require_outside(std::span<const std::string> inputs, const std::string& folder) {
+    for (const std::string& input : inputs) {
+        std::error_code absent;
+        if (!fs::equivalent(fs::path(input).parent_path() / ".", folder, absent)) continue;
+        throw InputError{std::string(input)
+                             .append(": is an input, and ")
+                             .append(folder)
+                             .append(" is removed by the next run there; move it elsewhere")};
+    }
+}
+
+void ResultFolder::publish() {
+    const std::scoped_lock lock(mutex_);
+    const std::vector<Step> steps = plan();
+    FileDescriptor folder(path_, O_RDONLY);
+    for (const Step& step : steps) {
+        if (step.written) flush(step.from);
+    }
+    complete_ = true;
+    const int error = folder.is_open() ? give_names(steps, folder) : folder.error();
+    if (error != 0) {
+        throw std::runtime_error(path_ + ": the results could not get their names (" +
+                                 std::strerror(error) + "); they are complete in " + unfinished_);
+    }
+    ::rmdir(unfinished_.c_str());
+}
+
+std::vector<ResultFolder::Step> ResultFolder::plan() const {
+    std::vector<Step> steps;
+    for (const char* name : names_) {
+        const std::string written = unfinished_ + name;
+        steps.push_back({written, path_ + '/' + name, fs::exists(written)});
+    }
+    return steps;
+}
+
+// A single result takes the place of the earlier one at once. Nothing here needs memory, so that it
+// is done or undone as a whole. 0, or a value of errno.
+int ResultFolder::give_names(std::span<const Step> steps, FileDescriptor& folder) {
+    const bool many = steps.size() > 1;
+    if (many) {
+        for (std::size_t k = steps.size(); k-- > 0;) {
+            if (!remove_file(steps[k].to)) return errno;
+        }
+        if (!folder.sync()) return folder.error();
+    }
+    for (std::size_t k = 0; k < steps.size(); ++k) {
+        const Step& step = steps[k];
+        if (!step.written || std::rename(step.from.c_str(), step.to.c_str()) == 0) continue;
+        const int error = errno;
+        take_names_back(steps.first(k));
+        return error;
+    }
+    if (folder.sync() || !many) return 0;
+    take_names_back(steps);
+    return folder.error();
+}
+
+void ResultFolder::take_names_back(std::span<const Step> steps) {
+    for (std::size_t k = steps.size(); k-- > 0;) {
+        [[maybe_unused]] const int tried = std::rename(steps[k].to.c_str(), steps[k].from.c_str());
+    }
 }
 
 }  // namespace vort

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "cli/trial.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
@@ -30,11 +31,6 @@ void write_page(const ReportPage& page, const nlohmann::json& model,
     if (!file.close()) stop("", 1);
 }
 
-// Bytes that are no UTF-8, in a name or a path, are replaced.
-std::string text_of(const nlohmann::ordered_json& model) {
-    return model.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 std::string marker_file_in(const std::string& folder) {
     const std::string plain = folder + "markers.tsv";
     const std::string gzip = plain + ".gz";
@@ -51,8 +47,13 @@ void require_rows(const std::string& path, long found, long expected) {
 
 }  // namespace
 
+std::string json_text(const nlohmann::ordered_json& value) {
+    return value.dump(kIndent, ' ', false, nlohmann::json::error_handler_t::replace) + '\n';
+}
+
 nlohmann::json write_results(ModelDescription run, const std::string& folder, bool gzip,
-                             int threads, Diagnostics& diagnostics) {
+                             int threads, Diagnostics& diagnostics,
+                             const std::optional<HeldBack>& held_back) {
     ReportPage page(static_cast<long>(run.rows.size()));
     std::vector<double> additive;
     write_marker_file(folder + (gzip ? "markers.tsv.gz" : "markers.tsv"), run.rows, gzip, threads,
@@ -66,9 +67,16 @@ nlohmann::json write_results(ModelDescription run, const std::string& folder, bo
     write_data_set_file(folder + "permutations.tsv", data_sets, diagnostics);
     const std::vector<QuantileRow> quantiles = run.record.quantiles.rows();
     write_quantile_file(folder + "quantiles.tsv", quantiles, diagnostics);
-    const nlohmann::ordered_json ordered = model_json(run);
-    write_text(folder + "model.json", text_of(ordered) + '\n', diagnostics);
-    nlohmann::json model = ordered;
+    nlohmann::ordered_json ordered = model_json(run);
+    if (held_back) {
+        const Trial trial = try_model(run, ordered, *held_back);
+        write_text(folder + "holdout.tsv", trial.table, diagnostics);
+        ordered["holdout"] = trial.description;
+    }
+    const std::string text = json_text(ordered);
+    write_text(folder + "model.json", text, diagnostics);
+    // As `vort report` will read it.
+    nlohmann::json model = nlohmann::json::parse(text);
     write_page(page, model, data_sets, quantiles, folder, diagnostics);
     return model;
 }

@@ -2,305 +2,276 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <iostream>
 
-#include "cli/account.h"
 #include "cli/checksums.h"
 #include "cli/input_guard.h"
 #include "cli/interruption.h"
+#include "cli/loaded_analysis.h"
+#include "cli/outcome.h"
+#include "cli/planning.h"
 #include "cli/progress.h"
-#include "cli/ranges.h"
 #include "cli/result_folder.h"
 #include "cli/results.h"
-#include "cli/run_log.h"
-#include "cli/summary.h"
-#include "cli/version.h"
+#include "cli/task_runner.h"
 #include "common/input_error.h"
-#include "common/output_file.h"
 #include "common/stop.h"
-#include "screening/marker_counts.h"
 #include "screening/prepared_file.h"
-#include "study/study_directory.h"
 
 namespace vort {
 
 namespace {
 
-// A file's numbers go through single precision; the sizes of a study must not.
-Settings settings_for(const StudyParameters& parameters, int clustering, int individuals,
-                      int markers) {
-    Settings settings =
-        settings_of(parse_parameters(parameter_text(parameters, individuals, markers)));
-    settings.screening.individuals = individuals;
-    settings.report.individuals = individuals;
-    settings.builder.individuals = individuals;
-    settings.screening.markers = markers;
-    settings.builder.clustering = clustering;
-    return settings;
-}
-
-// The lines that the bare program writes to its standard output.
-class ConsoleFile {
-  public:
-    ConsoleFile(const std::string& path, bool wanted, Diagnostics& diagnostics) {
-        if (!wanted) return;
-        file_ = std::make_unique<OutputFile>(path, OutputFile::Mode::kTruncate, diagnostics);
-        write("read data is finished\n");
-    }
-    void write(std::string_view text) {
-        if (file_) *file_ << text;
-    }
-    void end(double seconds) {
-        if (!file_) return;
-        write("Total time=" + std::to_string(static_cast<long>(seconds)) + '\n');
-        if (!file_->close()) stop("", 1);
-    }
-
-  private:
-    std::unique_ptr<OutputFile> file_;
-};
-
 // One run; the members stand in the order in which they come to be.
 class Run {
   public:
-    explicit Run(const RunOptions& options)
+    Run(const RunOptions& options, const GivenOptions& given, std::optional<Plan> begun)
         : options_(options),
+          given_(given),
+          begun_(std::move(begun)),
           request_(study_request(options.input)),
-          folder_(options.out, kRunResults, options.force),
-          interruption_([this] {
-              terminal_.clear_progress();
-              folder_.discard();
-          }),
+          inputs_(named_files(request_)),
+          folder_(options.out, kRunResults, options.force || options.resume, named_files(request_),
+                  terminal_),
+          part_folder_(folder_.path()),
+          interruption_([this] { leave(); }),
           diagnostics_(terminal_.errors()) {
+        inputs_.add_folder(request_.files.directory);
         request_.threads = options.threads;
         log_.command = options.words;
         log_.threads = options.threads;
     }
+    ~Run() {
+        if (!done_) leave();
+    }
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
 
-    void run() {
+    void run() try {
         load();
         check();
-        analyse_data();
-        write_tables();
+        plan();
+        work();
+        merge();
         finish();
+    } catch (const Stop&) {
+        // What stopped it may be an input that is no longer what it was.
+        inputs_.require_unchanged();
+        throw;
     }
 
   private:
     void load();
     void check();
-    void require_prepared() const;
-    double result_bytes() const;
-    AnalysisOptions analysis_options() const;
-    RunSize size() const;
-    void analyse_data();
-    void write_tables();
-    void tell_untested(const MarkerRows& rows, std::span<const int> selected);
+    void require_prepared();
+    void require_apart_from_prepared() const;
+    void plan();
+    void work();
+    void merge();
     void finish();
+    void forget_parts() const noexcept;
+    void leave() noexcept;
 
     const RunOptions& options_;
+    const GivenOptions& given_;
+    std::optional<Plan> begun_;
     StudyRequest request_;
     Terminal terminal_;
+    InputGuard inputs_;
     ResultFolder folder_;
+    PartFolder part_folder_;
     Interruption interruption_;
     Diagnostics diagnostics_;
     Stopwatch watch_;
     RunLog log_;
+    bool done_ = false;
 
-    Study study_;
-    StudyData data_;
-    StudyParameters parameters_;
-    Settings settings_;
-    InputGuard inputs_;
+    LoadedAnalysis analysis_;
     std::unique_ptr<Checksums> checksums_;
-    std::unique_ptr<RunRecorder> recorder_;
-    Result result_;
+    Plan plan_;
     std::string summary_;
 };
 
 void Run::load() {
     watch_.begin("reading the study");
-    study_ = load_study(request_);
-    tell_account(study_, terminal_);
-    parameters_ = parameters_for(options_.parameters, study_, terminal_);
-    settings_ = settings_for(parameters_, options_.clustering, study_.genotypes.individuals(),
-                             study_.genotypes.markers());
-    data_ = {std::move(study_.genotypes), study_.phenotypes,
-             MarkerTable::from_markers(study_.markers)};
-    inputs_ = InputGuard(study_.inputs);
-    checksums_ = std::make_unique<Checksums>(study_.inputs);
+    analysis_ = load_analysis(options_, request_, terminal_);
+    const std::vector<std::string> inputs = paths_of(analysis_.study.inputs);
+    folder_.require_apart(inputs);
+    ResultFolder::require_outside(inputs, part_folder_.path());
+    checksums_ = std::make_unique<Checksums>(analysis_.study.inputs);
 }
 
 void Run::check() {
-    check_sizes(settings_, analysis_options(), data_.genotypes.is_mapped(), diagnostics_);
-    folder_.require_room(result_bytes());
+    check_sizes(analysis_.settings, analysis_options(options_, ""),
+                analysis_.data.genotypes.is_mapped(), diagnostics_);
+    folder_.require_room(result_bytes(analysis_, options_));
     if (!options_.prepared.empty()) require_prepared();
+    if (options_.save_prepared.empty()) return;
+    require_apart_from_prepared();
+    std::filesystem::create_directories(options_.save_prepared);
 }
 
 // Prepared files of another study would be taken as this one's.
-void Run::require_prepared() const {
-    for (int d = 0; d <= parameters_.permutations; ++d) {
+void Run::require_prepared() {
+    std::vector<std::string> files;
+    for (int d = 0; d <= analysis_.parameters.permutations; ++d) {
         const std::string path = prepared_file_name(options_.prepared + '/', d);
+        inputs_.add({&path, 1});
         if (!std::filesystem::exists(path)) {
             input_error(path, 0,
                         "is not there; a file for each data set expected; make them by "
                         "--save-prepared");
         }
-        require_prepared_for(path, data_.phenotypes, parameters_.best_m, data_.genotypes.markers(),
+        require_prepared_for(path, analysis_.data.phenotypes, analysis_.data.clusters,
+                             analysis_.parameters.best_m, analysis_.data.genotypes.markers(),
                              d == 0);
+        files.push_back(path);
+    }
+    folder_.require_apart(files);
+}
+
+void Run::require_apart_from_prepared() const {
+    for (const InputFile& input : analysis_.study.inputs) {
+        const std::filesystem::path path = input.path;
+        std::error_code absent;
+        if (!path.filename().string().starts_with("prepare_data") ||
+            !std::filesystem::equivalent(path.parent_path() / ".", options_.save_prepared,
+                                         absent)) {
+            continue;
+        }
+        input_error(input.path, 0, "is where --save-prepared writes; another directory expected");
     }
 }
 
-// Somewhat above what they come to.
-double Run::result_bytes() const {
-    constexpr double kPage = 2e6;
-    constexpr double kMarkerLine = 250;
-    constexpr double kConsoleLine = 60;
-    const double markers = data_.genotypes.markers();
-    const double data_sets = parameters_.permutations + 1.0;
-    return kPage + kMarkerLine * (markers + data_sets) +
-           (options_.console ? kConsoleLine * markers * data_sets : 0);
-}
-
-AnalysisOptions Run::analysis_options() const {
-    AnalysisOptions analysis;
-    analysis.threads = options_.threads;
-    analysis.console = options_.console;
-    analysis.folder = folder_.unfinished();
-    analysis.rank_all = true;
-    analysis.require_files = true;
-    analysis.fdr_report = options_.fdr_report;
-    if (!options_.save_prepared.empty()) analysis.save_prepared = options_.save_prepared + '/';
-    if (!options_.prepared.empty()) analysis.prepared = options_.prepared + '/';
-    return analysis;
-}
-
-RunSize Run::size() const {
-    return {.individuals = static_cast<double>(data_.genotypes.individuals()),
-            .markers = static_cast<double>(data_.genotypes.markers()),
-            .data_sets = parameters_.permutations + 1.0,
-            .best_m = static_cast<double>(parameters_.best_m),
-            .max_retain = static_cast<double>(parameters_.max_retain),
-            .threads = static_cast<double>(options_.threads),
-            .console = options_.console};
-}
-
-void Run::analyse_data() {
-    watch_.begin("screening");
-    if (!options_.save_prepared.empty()) {
-        std::filesystem::create_directories(options_.save_prepared);
+// Of its own data sets; or the one that was begun, if it is the same.
+void Run::plan() {
+    plan_ = plan_for(analysis_, given_);
+    plan_.by_run = true;
+    plan_.tasks = tasks_of_one_process(analysis_);
+    set_permutations(plan_);
+    if (begun_) {
+        require_same_plan(*begun_, plan_, part_folder_.plan_path());
+        plan_.tasks = begun_->tasks;
+        return;
     }
-    recorder_ =
-        std::make_unique<RunRecorder>(parameters_.permutations + 1, data_.genotypes.markers());
-    Progress progress(size(), terminal_, options_.quiet, *recorder_);
-    ConsoleFile console(folder_.unfinished() + "console.txt", options_.console, diagnostics_);
-    result_ = analyse(
-        data_, settings_, analysis_options(), [&](std::string_view text) { console.write(text); },
-        diagnostics_, progress);
-    console.end(watch_.total());
+    part_folder_.remove();
+    part_folder_.make();
+    write_plan(plan_, part_folder_, diagnostics_);
+}
+
+void Run::work() {
+    watch_.begin("tasks");
+    const Parts parts(part_folder_, plan_, diagnostics_);
+    StageCounts todo = count_todo(plan_, part_folder_);
+    if (begun_ && todo != StageCounts{}) {
+        terminal_.say("goes on where the earlier run was: " +
+                      std::to_string(plan_.data_sets() - todo.front()) + " of " +
+                      std::to_string(plan_.data_sets()) + " data sets are screened");
+    }
+    Progress progress(run_size(analysis_, options_), plan_.data_sets(), todo, terminal_,
+                      options_.quiet);
+    TaskRunner runner(task_input(analysis_, options_, part_folder_, diagnostics_, progress.tell()),
+                      parts, [this] { inputs_.require_unchanged(); });
+    runner.run_all(plan_.tasks, progress);
     progress.finish();
-    watch_.split(progress.models_began(), "models");
-    recorder_->take_best(result_.columns);
+    watch_.share({{"screening", progress.seconds(Stage::kScreen)},
+                  {"search", progress.seconds(Stage::kSearch)},
+                  {"models", progress.seconds(Stage::kModel)}});
 }
 
-void Run::write_tables() {
+void Run::merge() {
     watch_.begin("tables and report");
-    std::vector<int> selected;
-    for (const int rank : result_.markers) selected.push_back(result_.columns[rank - 1]);
-    const MarkerRows rows(
-        study_.markers,
-        count_all_genotypes(data_.genotypes, PhenotypeRows(data_.phenotypes), options_.threads),
-        recorder_->record(), selected);
-    const ModelDescription description{.version = kVersion,
-                                       .format = request_.files.format,
-                                       .study = study_,
-                                       .data = data_,
-                                       .parameters = parameters_,
-                                       .result = result_,
-                                       .record = recorder_->record(),
-                                       .rows = rows};
-    tell_untested(rows, selected);
-    const nlohmann::json model = write_results(description, folder_.unfinished(), options_.gzip,
-                                               options_.threads, diagnostics_);
-    summary_ = summary_text(description, model, folder_.path(), watch_.total());
-}
-
-// The ranking has them last, but it has them.
-void Run::tell_untested(const MarkerRows& rows, std::span<const int> selected) {
-    const auto untested = std::ranges::count_if(
-        selected, [&](int column) { return rows.row(static_cast<std::size_t>(column)).dropped(); });
-    if (untested == 0) return;
-    terminal_.say(std::to_string(untested) + " of the " + std::to_string(selected.size()) +
-                  " markers in the model could not be tested by themselves, since too many of "
-                  "their genotypes are missing; a smaller --best-m or --geno 0.05 leaves them out");
+    const Parts parts(part_folder_, plan_, diagnostics_);
+    summary_ = write_outcome(analysis_, parts, plan_.tasks, options_, folder_, watch_, terminal_,
+                             diagnostics_);
 }
 
 void Run::finish() {
     watch_.begin("checksums of the inputs");
     log_.inputs = checksums_->take();
+    for (const Checksum& input : log_.inputs) {
+        if (input.sha256 == kNotReadAgain) {
+            terminal_.say(input.file.path + ": " + input.sha256 + ", so it has no checksum");
+        }
+    }
     watch_.end();
     inputs_.require_unchanged();
-    diagnostics_.finish();
-    log_.stages = watch_.stages();
-    log_.terminal = terminal_.log() + summary_;
-    OutputFile file(folder_.unfinished() + "run.log", OutputFile::Mode::kTruncate, diagnostics_);
-    file << log_.text();
-    if (!file.close()) stop("", 1);
+    write_log(log_, watch_, summary_, folder_, terminal_, diagnostics_);
     folder_.publish();
+    done_ = true;
+    forget_parts();
     terminal_.print(summary_);
 }
 
-void add_output_options(CLI::App& run, RunOptions& options) {
-    constexpr const char* kOutput = "Output";
-    run.add_option("--out", options.out, "directory of the results")
-        ->type_name("DIR")
-        ->required()
-        ->group(kOutput);
-    run.add_flag("--force", options.force, "replace results that are there")->group(kOutput);
-    run.add_flag("--gzip", options.gzip, "markers.tsv.gz instead of markers.tsv")->group(kOutput);
-    run.add_flag("--console", options.console,
-                 "console.txt too: what the bare vort writes to its standard output")
-        ->group(kOutput);
-    run.add_flag("--fdr-report", options.fdr_report,
-                 "FDR_results.txt too: the observed data set's markers by false discovery rate")
-        ->group(kOutput);
-    run.add_flag("--quiet", options.quiet, "no progress on standard error")->group(kOutput);
+// The results are there, whatever becomes of these.
+void Run::forget_parts() const noexcept {
+    try {
+        part_folder_.remove();
+    } catch (const std::exception&) {
+        // No memory for their names.
+    }
 }
 
-void add_other_options(CLI::App& run, RunOptions& options) {
-    run.add_option("--threads", options.threads,
-                   "threads; any number gives the same results [default: all processors]")
-        ->type_name("N")
-        ->check(within(1, 1024))
-        ->group("Resources");
-    constexpr const char* kSteps = "Steps and comparisons";
-    run.add_option("--save-prepared", options.save_prepared,
-                   "keep rankings and phenotypes of all data sets in DIR")
-        ->type_name("DIR")
-        ->group(kSteps);
-    run.add_option("--prepared", options.prepared, "take them from DIR instead of screening")
-        ->type_name("DIR")
-        ->group(kSteps);
-    run.add_option("--clustering", options.clustering,
-                   "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives "
-                   "[default: 0]")
-        ->type_name("K")
-        ->check(within(0, 4))
-        ->group(kSteps);
+// What is finished stays for --resume.
+void Run::leave() noexcept {
+    try {
+        terminal_.clear_progress();
+        folder_.discard();
+        if (plan_.tasks.empty()) return;
+        const bool usable = std::filesystem::exists(part_folder_.plan_path()) &&
+                            part_folder_.is_screened(0) && inputs_.are_unchanged();
+        if (!usable) return part_folder_.remove();
+        terminal_.say("what is finished stays in " + part_folder_.path() +
+                      "; vort run --resume --out " + folder_.path() + " goes on with it");
+    } catch (const std::exception&) {
+        // No memory to tell of it with; it stays nevertheless.
+    }
+}
+
+std::optional<Plan> begun_plan(const RunOptions& options) {
+    const PartFolder parts(options.out);
+    std::error_code absent;
+    if (!std::filesystem::exists(parts.plan_path(), absent)) return std::nullopt;
+    if (!options.resume) {
+        if (options.force) return std::nullopt;
+        input_error(parts.plan_path(), 0,
+                    "a run was begun there; go on with it by --resume, or replace it by --force");
+    }
+    Plan plan = read_plan(parts.plan_path());
+    if (plan.by_run) return plan;
+    input_error(parts.plan_path(), 0,
+                "is a plan of vort plan; go on with it by vort task and vort merge");
 }
 
 }  // namespace
 
 CLI::App* add_run_command(CLI::App& app, RunOptions& options) {
     CLI::App* const run = app.add_subcommand("run", "analyse a study: all results in a directory");
-    add_input_options(*run, options.input);
-    add_analysis_options(*run, options.parameters);
-    add_output_options(*run, options);
-    add_other_options(*run, options);
+    add_run_options(*run, options);
+    run->add_option("--out", options.out, "directory of the results")
+        ->type_name("DIR")
+        ->required()
+        ->group("Output");
+    run->add_flag("--resume", options.resume,
+                  "go on with a run that was killed; its options need not be given again")
+        ->group("Output");
+    constexpr const char* kSteps = "Steps and comparisons";
+    run->add_option("--save-prepared", options.save_prepared,
+                    "keep rankings and phenotypes of all data sets in DIR")
+        ->type_name("DIR")
+        ->group(kSteps);
+    run->add_option("--prepared", options.prepared, "take them from DIR instead of screening")
+        ->type_name("DIR")
+        ->group(kSteps);
     return run;
 }
 
-void run_study(const RunOptions& options) {
-    Run(options).run();
+void run_study(RunOptions options, const GivenOptions& given) {
+    std::optional<Plan> begun = begun_plan(options);
+    if (!begun) return Run(options, given, std::nullopt).run();
+    require_planned(given, *begun, PartFolder(options.out).plan_path());
+    const GivenOptions planned = begun->options;
+    options = restored_options(*begun, options);
+    Run(options, planned, std::move(begun)).run();
 }
 
 }  // namespace vort

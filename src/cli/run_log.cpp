@@ -26,6 +26,18 @@ std::string quoted(const std::string& word) {
     return text + '\'';
 }
 
+std::string processor() {
+    std::ifstream file("/proc/cpuinfo");
+    for (std::string line; std::getline(file, line);) {
+        if (!line.starts_with("model name")) continue;
+        const std::size_t colon = line.find(": ");
+        if (colon != std::string::npos) return line.substr(colon + 2);
+    }
+    return "unknown";
+}
+
+}  // namespace
+
 std::string time_text(std::chrono::system_clock::time_point time) {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
     std::tm parts{};
@@ -40,18 +52,6 @@ std::string host_name() {
     return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "unknown";
 }
 
-std::string processor() {
-    std::ifstream file("/proc/cpuinfo");
-    for (std::string line; std::getline(file, line);) {
-        if (!line.starts_with("model name")) continue;
-        const std::size_t colon = line.find(": ");
-        if (colon != std::string::npos) return line.substr(colon + 2);
-    }
-    return "unknown";
-}
-
-}  // namespace
-
 void Stopwatch::begin(const std::string& stage) {
     end();
     began_ = Clock::now();
@@ -59,13 +59,10 @@ void Stopwatch::begin(const std::string& stage) {
     running_ = true;
 }
 
-void Stopwatch::split(double seconds, const std::string& stage) {
-    if (seconds < 0) return;
-    const auto length =
-        std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    stages_.back().seconds = seconds;
-    began_ += length;
-    stages_.push_back({stage, 0});
+void Stopwatch::share(const std::vector<Stage>& stages) {
+    end();
+    stages_.pop_back();
+    stages_.insert(stages_.end(), stages.begin(), stages.end());
 }
 
 void Stopwatch::end() {

@@ -14,15 +14,14 @@ class Stopwatch {
   public:
     // Ends the stage before.
     void begin(const std::string& stage);
-    // The stage that runs was over after so many seconds, and `stage` began then; nothing for a
-    // negative number.
-    void split(double seconds, const std::string& stage);
     void end();
 
     struct Stage {
         std::string name;
         double seconds;
     };
+    // The stage that runs is over; it was these.
+    void share(const std::vector<Stage>& stages);
     const std::vector<Stage>& stages() const { return stages_; }
     double total() const;
 
@@ -45,6 +44,10 @@ struct RunLog {
 
     std::string text() const;
 };
+
+// "2024-02-29 12:00:00 UTC".
+std::string time_text(std::chrono::system_clock::time_point time);
+std::string host_name();
 
 // The largest part of the memory that this process has used so far, in megabytes.
 double peak_megabytes();

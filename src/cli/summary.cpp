@@ -1,8 +1,9 @@
 #include "cli/summary.h"
 
 #include <algorithm>
+#include <cmath>
 
-#include "cli/version.h"
+#include "cli/summary_line.h"
 #include "report/model_view.h"
 #include "report/wording.h"
 
@@ -12,22 +13,6 @@ namespace {
 
 constexpr std::size_t kBestShown = 3;
 constexpr std::size_t kLearnersShown = 3;
-constexpr std::size_t kTitle = 14;
-
-// A title in a column of its own; empty in front of a line that goes on.
-std::string line(std::string_view title, const std::string& text) {
-    std::string out(title);
-    out.resize(std::max(kTitle, out.size() + 1), ' ');
-    return out + text + '\n';
-}
-
-std::string seconds_text(double seconds) {
-    if (seconds < 100) return decimal(seconds, 1) + " s";
-    const long whole = static_cast<long>(seconds);
-    if (whole < 7200)
-        return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
-    return std::to_string(whole / 3600) + " h " + std::to_string(whole / 60 % 60) + " min";
-}
 
 std::string left_out_text(const ModelView& model) {
     const long individuals = model.individuals_read - model.individuals;
@@ -50,44 +35,56 @@ std::string best_markers(const ModelDescription& run) {
         std::string text = std::string(row.name) + ", chromosome " +
                            chromosome_name(row.chromosome) + ": p = " + p_text(row.p_min);
         if (row.emp2 >= 0) text += ", EMP2 = " + p_text(row.emp2);
-        out += line(k == 0 ? "Best markers" : "", text);
+        out += summary_line(k == 0 ? "Best markers" : "", text);
     }
-    return out.empty() ? line("Best markers", "none could be tested") : out;
+    return out.empty() ? summary_line("Best markers", "none could be tested") : out;
 }
 
 std::string model_lines(const ModelView& model) {
-    if (!model.has_model) return line("Model", "none: nothing was kept, or nothing selected");
+    if (!model.has_model)
+        return summary_line("Model", "none: nothing was kept, or nothing selected");
     std::vector<const Learner*> strongest;
     for (const Learner& learner : model.learners) strongest.push_back(&learner);
     std::ranges::stable_sort(strongest, [](const Learner* a, const Learner* b) {
         return std::abs(a->coefficient) > std::abs(b->coefficient);
     });
-    std::string out = line("Model", counted(std::ssize(model.learners), "base learners") + " on " +
-                                        counted(std::ssize(model.weighed), "markers") +
-                                        ", T = " + decimal(model.T0, 3));
+    std::string out =
+        summary_line("Model", counted(std::ssize(model.learners), "base learners") + " on " +
+                                  counted(std::ssize(model.weighed), "markers") +
+                                  ", T = " + decimal(model.T0, 3));
     for (std::size_t b = 0; b < std::min(strongest.size(), kLearnersShown); ++b) {
         const Learner& learner = *strongest[b];
         std::string names = learner.markers.front().name;
         if (learner.markers.size() > 1) names += " x " + learner.markers.back().name;
-        out += line("", names + ": " + rule_text(learner.markers, learner.cells) + ", risk " +
-                            (learner.risk_difference < 0 ? "" : "+") +
-                            decimal(100 * learner.risk_difference, 0) + " points");
+        out += summary_line("", names + ": " + rule_text(learner.markers, learner.cells) +
+                                    ", risk " + (learner.risk_difference < 0 ? "" : "+") +
+                                    decimal(100 * learner.risk_difference, 0) + " points");
     }
     const std::size_t others = strongest.size() - std::min(strongest.size(), kLearnersShown);
-    if (others > 0) out += line("", "and " + counted(static_cast<long>(others), "others"));
+    if (others > 0) out += summary_line("", "and " + counted(static_cast<long>(others), "others"));
     return out;
 }
 
 std::string significance(const ModelView& model) {
-    if (!model.permuted()) return line("Overall p", "not available without permutations");
-    if (!model.has_model) return line("Overall p", "1, since there is no model");
+    if (!model.permuted()) return summary_line("Overall p", "not available without permutations");
+    if (!model.has_model) return summary_line("Overall p", "1, since there is no model");
     const std::string all = grouped(model.permutations);
     const bool none = model.stronger == 0;
     const std::string p = none ? "below 1 in " + all : p_text(model.p);
     const std::string low = none ? "up to " : p_text(model.p_low) + " to ";
-    return line("Overall p", p + " (95 % interval " + low + p_text(model.p_high) +
-                                 "): " + (none ? "none" : grouped(model.stronger)) + " of " + all +
-                                 " permuted data sets gave a stronger model");
+    return summary_line("Overall p", p + " (95 % interval " + low + p_text(model.p_high) + "): " +
+                                         (none ? "none" : grouped(model.stronger)) + " of " + all +
+                                         " permuted data sets gave a stronger model");
+}
+
+std::string holdout_line(const ModelView& model) {
+    if (!model.holdout) return {};
+    const HoldoutView& held = *model.holdout;
+    std::string text = counted(held.cases + held.controls, "individuals");
+    if (!held.unseen) return summary_line("Held back", text + ", and no model to try on them");
+    text += ": AUC " + auc_text(held.unseen->roc);
+    if (held.training) text += ", and " + decimal(held.training->roc.area, 3) + " on the others";
+    return summary_line("Held back", text);
 }
 
 }  // namespace
@@ -95,14 +92,15 @@ std::string significance(const ModelView& model) {
 std::string summary_text(const ModelDescription& run, const nlohmann::json& json,
                          const std::string& folder, double seconds) {
     const ModelView model = read_model_view(json);
-    return line("Study", counted(model.individuals, "individuals") + " (" +
-                             counted(model.cases, "cases") + ", " +
-                             counted(model.controls, "controls") + "), " +
-                             counted(model.markers, "markers")) +
-           line("Left out", left_out_text(model)) + best_markers(run) + model_lines(model) +
-           significance(model) + line("Report", folder + "/report.html") +
-           line("Tables", "markers, permutations, quantiles and model.json beside it") +
-           line("Time", seconds_text(seconds));
+    return summary_line("Study", counted(model.individuals, "individuals") + " (" +
+                                     counted(model.cases, "cases") + ", " +
+                                     counted(model.controls, "controls") + "), " +
+                                     counted(model.markers, "markers")) +
+           summary_line("Left out", left_out_text(model)) + best_markers(run) + model_lines(model) +
+           significance(model) + holdout_line(model) +
+           summary_line("Report", folder + "/report.html") +
+           summary_line("Tables", "markers, permutations, quantiles and model.json beside it") +
+           summary_line("Time", seconds_text(seconds));
 }
 
 }  // namespace vort

@@ -2,27 +2,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <iostream>
+#include <iterator>
+
+#include "common/characters.h"
 
 namespace vort {
-
-namespace {
-
-// Names come from files, and a terminal obeys control characters.
-std::string visible(std::string_view text) {
-    std::string out(text);
-    for (char& c : out) {
-        if (static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t') c = '?';
-    }
-    return out;
-}
-
-}  // namespace
 
 Terminal::Terminal() : is_terminal_(::isatty(STDERR_FILENO) == 1) {}
 
 void Terminal::say(std::string_view text) {
-    const std::string line = "vort: " + visible(text) + '\n';
+    std::string line = "vort: ";
+    std::ranges::transform(text, std::back_inserter(line), visible);
+    line += '\n';
     const std::scoped_lock lock(mutex_);
     erase_progress();
     log_ += line;
@@ -30,12 +23,11 @@ void Terminal::say(std::string_view text) {
 }
 
 void Terminal::print(std::string_view text) {
-    const std::string lines = visible(text);
     {
         const std::scoped_lock lock(mutex_);
         erase_progress();
-        log_ += lines;
-        std::cout << lines << std::flush;
+        for (const char c : text) std::cout.put(visible(c));
+        std::cout.flush();
     }
     if (!std::cout) say("standard output cannot be written; the summary stands in run.log");
 }

@@ -25,7 +25,7 @@ class Terminal {
     // A line on standard error, "vort: " in front of it. Control characters show as "?", here and
     // in what is printed.
     void say(std::string_view text);
-    // A text on standard output, as it is.
+    // A text on standard output. Takes no memory: the results are there when they are told of.
     void print(std::string_view text);
     // For diagnostics: each line is said.
     std::ostream& errors() { return errors_; }
@@ -34,7 +34,7 @@ class Terminal {
     void show_progress(const std::string& line);
     void clear_progress();
 
-    // All that was said and printed.
+    // All that was said.
     std::string log() const;
 
   private:

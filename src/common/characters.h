@@ -14,4 +14,9 @@ constexpr bool is_letter(int c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
+// A terminal obeys control characters; names and texts come out of other people's files.
+constexpr char visible(char c) {
+    return static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t' ? '?' : c;
+}
+
 }  // namespace vort

@@ -1,6 +1,9 @@
 #include "common/diagnostics.h"
 
+#include <algorithm>
 #include <ostream>
+
+#include "common/characters.h"
 
 namespace vort {
 
@@ -26,7 +29,9 @@ void Diagnostics::say(std::string_view kind, std::string_view file, long line,
                       const std::string& text) {
     std::string whole = std::string(file) + ':';
     if (line > 0) whole += std::to_string(line) + ':';
-    whole += ' ' + text + '\n';
+    whole += ' ' + text;
+    std::ranges::transform(whole, whole.begin(), visible);
+    whole += '\n';
     if (count_one(kind, whole) <= kLinesOfAKind) out_ << whole << std::flush;
 }
 

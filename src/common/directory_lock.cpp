@@ -2,19 +2,20 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 #include <cerrno>
 
 namespace vort {
 
 DirectoryLock::DirectoryLock(const std::string& path)
-    : directory_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-      held_(directory_ < 0 || ::flock(directory_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
-}
-
-DirectoryLock::~DirectoryLock() {
-    if (directory_ >= 0) ::close(directory_);
+    : directory_(path, O_RDONLY | O_DIRECTORY), error_(directory_.error()) {
+    if (!directory_.is_open()) return;
+    while (::flock(directory_.number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EINTR) continue;
+        held_ = errno != EWOULDBLOCK;
+        error_ = held_ ? errno : 0;
+        return;
+    }
 }
 
 }  // namespace vort

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "common/file_descriptor.h"
+
 namespace vort {
 
 // Held as long as the object lives, by the directory itself, so that no file is left whatever
@@ -10,17 +12,16 @@ namespace vort {
 class DirectoryLock {
   public:
     // held() is false where another process has the lock. A directory that cannot be locked at all,
-    // on a file system without locks, counts as held.
+    // on a file system without locks, counts as held; error() says why, and is 0 elsewhere.
     explicit DirectoryLock(const std::string& path);
-    ~DirectoryLock();
-    DirectoryLock(const DirectoryLock&) = delete;
-    DirectoryLock& operator=(const DirectoryLock&) = delete;
 
     bool held() const { return held_; }
+    int error() const { return error_; }
 
   private:
-    int directory_;
-    bool held_;
+    FileDescriptor directory_;
+    int error_;
+    bool held_ = true;
 };
 
 }  // namespace vort

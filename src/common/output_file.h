@@ -1,21 +1,29 @@
 // Report and intermediate files whose loss is never silent.
 #pragma once
 
-#include <fstream>
+#include <array>
+#include <ostream>
+#include <streambuf>
 #include <string>
 
 #include "common/diagnostics.h"
+#include "common/file_descriptor.h"
 
 namespace vort {
 
-// Removes a file, if there is one; a directory of that name stays.
-void remove_file(const std::string& path);
+// Removes a file, if there is one; a directory of that name stays. False, and errno, where it could
+// not be removed.
+bool remove_file(const std::string& path);
 
 // An output stream to a file. A file that cannot be opened, or that could not be written to its
 // end (a full disk), is told on standard error; what the program does about it is the caller's.
 class OutputFile {
   public:
-    enum class Mode { kTruncate, kAppend };
+    enum class Mode {
+        kTruncate,
+        kAppend,
+        kNew,  // only where nothing has that name, a link included
+    };
 
     // `diagnostics` is not owned.
     OutputFile(std::string path, Mode mode, Diagnostics& diagnostics);
@@ -34,12 +42,69 @@ class OutputFile {
 
     // Safe to call twice. False where the file could not be written to its end.
     bool close();
+    // The same, with all of it on the disk.
+    bool close_on_disk();
 
   private:
+    // Gathers what is written into pieces.
+    class Buffer : public std::streambuf {
+      public:
+        explicit Buffer(FileDescriptor& file) : file_(file) { empty(); }
+
+      protected:
+        int_type overflow(int_type character) override;
+        std::streamsize xsputn(const char* text, std::streamsize size) override;
+        int sync() override { return hand_on() ? 0 : -1; }
+
+      private:
+        void empty() { setp(piece_.data(), piece_.data() + piece_.size()); }
+        bool hand_on();
+
+        FileDescriptor& file_;
+        std::array<char, 65536> piece_;
+    };
+
+    bool close(bool on_disk);
+
     Diagnostics& diagnostics_;
     std::string path_;
-    std::ofstream stream_;
+    FileDescriptor file_;
+    Buffer buffer_{file_};
+    std::ostream stream_{&buffer_};
     bool opened_;
+    bool whole_ = false;  // once it is closed
+};
+
+// What a file is called until it has its name.
+std::string unfinished_name(const std::string& path);
+
+// A file that gets its name when all of it is on the disk: until then it is PATH.unfinished. A
+// process that is killed leaves the file of that name as it was.
+class WholeFile {
+  public:
+    // Whether it could be opened, and why it could not, is told as of an OutputFile.
+    WholeFile(std::string path, Diagnostics& diagnostics);
+    // Removes what has not got its name.
+    ~WholeFile();
+    WholeFile(const WholeFile&) = delete;
+    WholeFile& operator=(const WholeFile&) = delete;
+
+    bool is_open() const { return file_.is_open(); }
+    // Writes the text and brings it to the disk.
+    bool write(std::string_view text);
+    // Replaces what has the name. False, told, where that cannot be done.
+    bool take_name();
+    // Takes the name only where nothing has it, a link included.
+    bool take_free_name();
+
+  private:
+    bool refused(int error);
+
+    Diagnostics& diagnostics_;
+    std::string path_;
+    std::string unfinished_;
+    bool there_ = false;
+    OutputFile file_;
 };
 
 }  // namespace vort

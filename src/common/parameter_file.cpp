@@ -5,10 +5,10 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 
 #include "common/characters.h"
 #include "common/number_text.h"
+#include "common/odd_files.h"
 #include "common/output_file.h"
 #include "common/stop.h"
 #include "common/text_input.h"
@@ -121,41 +121,37 @@ class EntryReader {
     long line_ = 1;
 };
 
+// Never in the place of what is there but cannot be opened, as a link to nowhere; and as a whole,
+// since the next run takes what it finds.
 void write_default_file(Diagnostics& diagnostics) {
-    OutputFile file{std::string(kParameterFileName), OutputFile::Mode::kTruncate, diagnostics};
-    if (!file.is_open()) {
-        stop("Don't find parameter file use default value\nDon't open parameter file\n");
-    }
-    file << kDefaultFile;
-}
-
-std::string read_all(TextInput& input) {
-    std::string text;
-    for (int c = input.get(); c != EOF; c = input.get()) text.push_back(static_cast<char>(c));
-    return text;
+    constexpr const char* kMissing = "Don't find parameter file use default value\n";
+    WholeFile file(std::string(kParameterFileName), diagnostics);
+    if (!file.is_open()) stop(kMissing + std::string("Don't open parameter file\n"));
+    if (!file.write(kDefaultFile)) stop(kMissing, 1);
+    if (!file.take_free_name()) stop(kMissing + std::string("Don't open parameter file\n"));
 }
 
 [[noreturn]] void stop_unread(int error, Diagnostics& diagnostics) {
-    diagnostics.say(
-        "files that could not be read", kParameterFileName, 0,
-        std::string("could not be read (") + std::strerror(error) + "); it is left as it is");
+    diagnostics.say("files that could not be read", kParameterFileName, 0,
+                    "could not be read (" + reason_text(error) + "); it is left as it is");
     stop("", 1);
 }
 
 }  // namespace
 
 ParameterFile read_parameter_file(Diagnostics& diagnostics) {
-    errno = 0;
+    tell_pipe(kParameterFileName, diagnostics);
     TextInput input{std::string(kParameterFileName)};
     if (!input.is_open()) {
-        const int error = errno;
-        if (error != ENOENT && error != 0) stop_unread(error, diagnostics);
+        const int error = input.open_error();
+        if (error != ENOENT && error != EISDIR) stop_unread(error, diagnostics);
         ParameterFile file;
         file.found = false;
         write_default_file(diagnostics);
         return file;
     }
-    std::string text = read_all(input);
+    tell_byte_order_mark(input, kParameterFileName, diagnostics);
+    std::string text = input.rest();
     if (input.read_error() != 0) stop_unread(input.read_error(), diagnostics);
     return parse_parameters(std::move(text));
 }

@@ -2,14 +2,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstring>
 #include <string_view>
-#include <utility>
 
 #include "common/characters.h"
 
@@ -18,13 +16,6 @@ namespace vort {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{1} << 18;
-
-// The errno of a file that is open but of no use to a reader, or 0.
-int unusable(int file) {
-    struct stat status {};
-    if (::fstat(file, &status) != 0) return errno;
-    return S_ISDIR(status.st_mode) ? EISDIR : 0;
-}
 
 void make_room(LongText& out, std::size_t size) {
     if (out.memory.size() <= out.used + size) out.memory.resize(2 * (out.used + size) + 1);
@@ -54,25 +45,35 @@ bool is_tiny(std::string_view text) {
 
 }  // namespace
 
-TextInput::TextInput(const std::string& path, const char* mode)
-    : file_(::open(path.c_str(), (std::string_view(mode) == "r" ? O_RDONLY : O_RDWR) | O_CLOEXEC)) {
-    open_error_ = is_open() ? unusable(file_) : errno;
-    if (is_open() && open_error_ != 0) ::close(std::exchange(file_, -1));
-    if (is_open()) buffer_.resize(kBlock);
+std::string reason_text(int error) {
+    return error == kBecameShorter ? "it became shorter while it was read" : std::strerror(error);
 }
 
-TextInput::~TextInput() {
-    if (is_open()) ::close(file_);
+TextInput::TextInput(const std::string& path, const char* mode)
+    : file_(path, std::string_view(mode) == "r" ? O_RDONLY : O_RDWR), open_error_(file_.error()) {
+    if (!is_open()) return;
+    struct stat status {};
+    if (::fstat(file_.number(), &status) != 0) {
+        open_error_ = errno;
+    } else if (S_ISDIR(status.st_mode)) {
+        open_error_ = EISDIR;
+    }
+    if (open_error_ != 0) {
+        file_.close();
+        return;
+    }
+    if (S_ISREG(status.st_mode)) size_ = static_cast<std::size_t>(status.st_size);
+    buffer_.resize(size_ > 0 ? std::min(kBlock, size_ + 1) : kBlock);
 }
 
 // 0 at the end of the file, and from the first failure on.
 std::size_t TextInput::read_block(char* to, std::size_t size) {
-    while (read_error_ == 0) {
-        const ssize_t got = ::read(file_, to, size);
-        if (got >= 0) return static_cast<std::size_t>(got);
-        if (errno != EINTR) read_error_ = errno;
-    }
-    return 0;
+    if (read_error_ != 0) return 0;
+    const std::size_t got = file_.read(to, size);
+    read_ += got;
+    if (got == 0)
+        read_error_ = file_.error() == 0 && read_ < size_ ? kBecameShorter : file_.error();
+    return got;
 }
 
 // Keeps what is unread, at the front of the buffer, and reads on behind it.
@@ -102,6 +103,23 @@ int TextInput::get() {
         if (c == '\n') ++line_;
     }
     return c;
+}
+
+bool TextInput::has_byte_order_mark() {
+    constexpr std::string_view kMark = "\xEF\xBB\xBF";
+    while (end_ - next_ < kMark.size() && refill()) {
+    }
+    return std::string_view(buffer_.data() + next_, end_ - next_).starts_with(kMark);
+}
+
+std::string TextInput::rest() {
+    std::string text;
+    do {
+        text.append(buffer_.data() + next_, end_ - next_);
+        next_ = end_;
+    } while (refill());
+    at_end_ = true;
+    return text;
 }
 
 void TextInput::skip_space() {
@@ -222,9 +240,10 @@ bool TextInput::append_buffered(LongText& out) {
 
 // The same from the file, with nothing buffered; what is read too much is buffered then.
 bool TextInput::append_read(LongText& out, std::size_t& got) {
-    make_room(out, kBlock);
+    const std::size_t block = std::min(kBlock, buffer_.size());
+    make_room(out, block);
     char* const begin = out.memory.data() + out.used;
-    got = read_block(begin, kBlock);
+    got = read_block(begin, block);
     const void* const found = std::memchr(begin, '\n', got);
     if (found == nullptr) {
         out.used += got;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <vector>
 
 namespace vort {
@@ -36,9 +37,14 @@ class Workspaces {
     }
 
   private:
-    void take_back(std::unique_ptr<T> lent) {
+    // Without memory to note it by it is let go.
+    void take_back(std::unique_ptr<T> lent) noexcept {
         const std::scoped_lock lock(mutex_);
-        idle_.push_back(std::move(lent));
+        try {
+            idle_.push_back(std::move(lent));
+        } catch (const std::bad_alloc&) {
+            lent.reset();
+        }
     }
 
     std::function<T()> make_;

@@ -24,6 +24,7 @@ BuilderData::BuilderData(const BuilderInput& input, const BuilderSettings& setti
       missing_before_(frequencies_.size() + 1) {
     std::iota(order_.begin(), order_.end(), 0);
     spread_cases();
+    if (input.clusters != nullptr) clusters_ = input.clusters->placed(order_);
     centre();
     const auto room = 2 * static_cast<std::size_t>(input.genotypes.individuals());
     Workspaces<std::vector<signed char>> spaces([room] { return std::vector<signed char>(room); });

@@ -15,14 +15,16 @@
 #include "common/transcript.h"
 #include "csm/marker_planes.h"
 #include "genotypes/genotypes.h"
+#include "numeric/clusters.h"
 
 namespace vort {
 
 // What the builder gets of a data set. Nothing is owned.
 struct BuilderInput {
     const Genotypes& genotypes;
-    std::span<const short> phenotypes;  // at least n
-    std::span<const int> best;          // columns by rank, at least m
+    std::span<const short> phenotypes;   // at least n
+    std::span<const int> best;           // columns by rank, at least m
+    const Clusters* clusters = nullptr;  // of the individuals, that permutations keep to
 };
 
 // Genotypes of a marker among all n individuals.
@@ -56,6 +58,8 @@ class BuilderData {
     std::span<const int> order() const { return order_; }
     // Phenotype at each place, centred.
     std::span<const double> phenotype() const { return y_; }
+    // Places that permutations of the phenotype exchange.
+    const Clusters& clusters() const { return clusters_; }
     double mean() const { return mean_; }    // of the phenotype, before it was centred
     double sigma() const { return sigma_; }  // its variance, divisor n
     int cases() const { return cases_; }     // individuals with a positive phenotype, before
@@ -81,6 +85,7 @@ class BuilderData {
     void take_marker(const BuilderInput& input, int marker, std::vector<signed char>& codes);
 
     std::vector<int> order_;
+    Clusters clusters_;
     std::vector<double> y_;
     double mean_ = 0;
     double sigma_ = 0;

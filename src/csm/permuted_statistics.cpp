@@ -4,7 +4,7 @@
 #include <array>
 
 #include "csm/one_marker_clustering.h"
-#include "numeric/label_runs.h"
+#include "numeric/clustered_labels.h"
 #include "numeric/random_order.h"
 #include "screening/count_kernel.h"
 
@@ -18,7 +18,11 @@ class PlainStatistics : public PermutedStatistics {
   public:
     PlainStatistics(const BuilderData& data, const SetCells& cells, const GroupingRules& rules,
                     const Generator& start)
-        : phenotype_(data.phenotype()), cells_(cells), rules_(rules), start_(start) {}
+        : phenotype_(data.phenotype()),
+          clusters_(data.clusters()),
+          cells_(cells),
+          rules_(rules),
+          start_(start) {}
 
     void compute(int g, int first, double* statistic) override {
         for (int l = 0; l < kLanes && first + l < kOrders; ++l) {
@@ -38,21 +42,23 @@ class PlainStatistics : public PermutedStatistics {
         permuted_.resize(phenotype_.size());
         Generator generator = start_;
         generator.skip(static_cast<std::uint64_t>(r) * phenotype_.size());
-        draw_order(generator, order_);
+        space_.draw(generator, clusters_, order_);
         for (std::size_t i = 0; i < permuted_.size(); ++i) permuted_[i] = phenotype_[order_[i]];
         return kept = tally_cells(cells_, permuted_);
     }
 
     std::span<const double> phenotype_;
+    const Clusters& clusters_;
     const SetCells& cells_;
     const GroupingRules& rules_;
     Generator start_;
     std::vector<CellTallies> tallies_;
+    RandomOrder space_;
     std::vector<int> order_;
     std::vector<double> permuted_;
 };
 
-// Numbers of cases in the cells under every order.
+// Numbers of cases in the cells under every order. Bits of planes stand for draws.
 class PermutedCounts {
   public:
     PermutedCounts(const BuilderData& data, const SetCells& cells, const Generator& start)
@@ -61,10 +67,12 @@ class PermutedCounts {
           cells_(3 * groups_ * words_),
           ncell_(cells.ncell),
           counts_(kBlocks * block_size()) {
-        for (std::size_t i = 0; i < cells.cell.size(); ++i) {
-            if (cells.cell[i] == 0) continue;
-            cells_[static_cast<std::size_t>(cells.cell[i] - 1) * words_ + i / 64] |=
-                std::uint64_t{1} << i % 64;
+        const std::span<const int> members = data.clusters().all_members();
+        for (std::size_t d = 0; d < cells.cell.size(); ++d) {
+            const int cell = cells.cell[members.empty() ? d : static_cast<std::size_t>(members[d])];
+            if (cell == 0) continue;
+            cells_[static_cast<std::size_t>(cell - 1) * words_ + d / 64] |= std::uint64_t{1}
+                                                                            << d % 64;
         }
         draw(data, start);
     }
@@ -80,19 +88,14 @@ class PermutedCounts {
     void draw(const BuilderData& data, const Generator& start) {
         std::vector<unsigned char> label;
         for (const double y : data.phenotype()) label.push_back(y > 0 ? 1 : 0);
-        const LabelRuns labels(label);
-        constexpr int kAtOnce = LabelRuns::kOrdersAtOnce;
-        std::vector<std::uint64_t> drawn(kAtOnce * labels.plane_words());
+        const ClusteredLabels labels(label, data.clusters());
+        constexpr int kAtOnce = ClusteredLabels::kOrdersAtOnce;
         std::vector<std::uint64_t> planes(kAtOnce * words_);
         const Generator::Skip skip(kAtOnce * label.size());
         Generator generator = start;
         for (int first = 0; first < kOrders; first += kAtOnce) {
             const int orders = std::min(kAtOnce, kOrders - first);
-            labels.draw(generator, orders, drawn.data());
-            for (int r = 0; r < orders; ++r) {
-                std::copy_n(drawn.data() + r * labels.plane_words(), labels.plane_words(),
-                            planes.data() + r * words_);
-            }
+            labels.draw(generator, orders, planes.data(), words_);
             count(planes.data(), first, orders);
             generator.skip(skip);
         }

@@ -8,6 +8,7 @@
 
 #include "common/settings.h"
 #include "ensemble/model_stage.h"
+#include "ensemble/observed_model.h"
 #include "ensemble/result.h"
 #include "screening/phenotype_rows.h"
 
@@ -28,8 +29,6 @@ struct EnsembleOptions {
     // Gets the statistic of each data set d = 0, 1, 2, ... as it comes, and the number of base
     // learners in its model.
     std::function<void(int d, double statistic, int learners)> progress;
-    // Gets how many data sets have been worked on, parts included; from any thread, one at a time.
-    std::function<void(double data_sets)> work;
 };
 
 // What two intermediate files of an earlier form of the program held after the data set that was
@@ -63,21 +62,15 @@ class EnsembleStage {
     void tell(int d, const ModelledDataSet& modelled) const;
     void keep_last(ModelledDataSet& modelled);
     void analyse_observed();
-    void record_base_learners(const Design& design, const Coefficients& read, Transcript& out);
-    void record_group(const Design& design, int q, int g, int recorded, int b,
-                      const Coefficients& read, Transcript& out);
-    bool select_markers();
-    void analyse_permutations();
-    void list_markers();
+    std::vector<double> analyse_permutations();
     void say(const Transcript& text) const { options_.console(text.text()); }
 
     ScreenedStudy study_;
     Settings settings_;
     EnsembleOptions options_;
     ModelStage models_;
-    Result result_;
-    std::vector<double> importance_;  // of markers 1 .. m
-    std::vector<char> selected_;      // markers of positive importance, elements 0 .. m
+    PairSearchCounts pair_searches_;
+    ObservedModel observed_;
     std::optional<Design> last_design_;
     std::optional<Selection> last_selection_;
 };

@@ -37,32 +37,21 @@ struct ModelStage::Work {
 
 ModelStage::ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                        std::span<const std::vector<int>> best, const BuilderSettings& settings,
-                       int threads, bool wanted, std::function<void(double)> work)
+                       int threads, bool wanted, const TellWork& work)
     : genotypes_(genotypes),
       phenotypes_(phenotypes),
       best_(best),
       settings_(settings),
       threads_(threads),
       wanted_(wanted),
-      meter_(std::move(work)),
+      search_meter_(Stage::kSearch, work),
+      model_meter_(Stage::kModel, work),
       rooms_([] { return PairCodeRoom(); }) {}
 
 int ModelStage::window_size() const {
     const double one = BuilderData::bytes(settings_.individuals, settings_.usable_markers());
     const int fitting = static_cast<int>(std::min<double>(kWindowBytes / one, kMostAtOnce));
     return std::max(fitting, std::min(threads_, kMostAtOnce));
-}
-
-// Of the time that a data set takes, roughly: a pair is one look at each individual in bit planes,
-// a kept set 500 draws of each.
-double ModelStage::share_of_search() const {
-    constexpr double kPair = 0.025;
-    constexpr double kSet = 500;
-    const double m = settings_.usable_markers();
-    const double pairs = m * (m - 1) / 2;
-    const double sets =
-        std::min<double>(settings_.max_retain, m) + std::min<double>(settings_.max_retain, pairs);
-    return (kPair * pairs + 1) / (kPair * pairs + kSet * std::max(sets, 0.0) + 1);
 }
 
 double ModelStage::bytes(double individuals, double markers, double columns, int threads) {
@@ -74,24 +63,57 @@ double ModelStage::bytes(double individuals, double markers, double columns, int
            std::min(pairs, threads * pair_bytes(markers));
 }
 
-void ModelStage::run(int first, int count, const Take& take) {
+void ModelStage::begin_at(const ModelStart& start) {
+    data_set_ = start.data_set;
+    next_draw_ = start.draws;
+    method_told_ = start.method_told;
+}
+
+void ModelStage::take_searched(std::function<KeptSets(int row)> searched) {
+    searched_ = std::move(searched);
+}
+
+template <typename Body>
+void ModelStage::for_each_window(int first, int count, Body body) {
     const int at_once = window_size();
     for (int done = 0; done < count; done += at_once) {
-        run_window(first + done, std::min(at_once, count - done), take);
+        std::vector<Work> window = take_data(first + done, std::min(at_once, count - done));
+        body(window);
     }
 }
 
-void ModelStage::run_window(int first, int count, const Take& take) {
-    std::vector<Work> window(static_cast<std::size_t>(count));
-    for (int w = 0; w < count; ++w) window[w].row = first + w;
-    take_data(window);
-    search(window);
+void ModelStage::search(int first, int count, const TakeKept& take) {
+    for_each_window(first, count, [&](std::vector<Work>& window) {
+        find(window);
+        hand_on_kept(window, take);
+    });
+}
+
+void ModelStage::hand_on_kept(std::vector<Work>& window, const TakeKept& take) const {
+    for (Work& work : window) {
+        const std::int64_t draws = builder_draws(*work.data, work.kept);
+        take(data_set_ + work.row, std::move(work.kept), draws);
+    }
+}
+
+void ModelStage::run(int first, int count, const Take& take) {
+    for_each_window(first, count, [&](std::vector<Work>& window) {
+        if (!searched_) find(window);
+        run_window(window, take);
+    });
+}
+
+void ModelStage::run_window(std::vector<Work>& window, const Take& take) {
+    for (Work& work : window) {
+        if (searched_) work.kept = searched_(work.row);
+        work.result.pair_search = work.kept.pair_statistics;
+    }
     place_draws(window);
     score(window);
     for_each_index(threads_, window.size(), [&](std::size_t w) { finish(window[w]); });
     for (Work& work : window) {
         work.result.stopped = work.stopped.has_value();
-        take(work.row, std::move(work.result));
+        take(data_set_ + work.row, std::move(work.result));
         if (work.stopped) throw Stop(*work.stopped);
     }
 }
@@ -105,8 +127,11 @@ void ModelStage::for_each_work(std::vector<Work>& window, bool apart, Body body)
     }
 }
 
-void ModelStage::take_data(std::vector<Work>& window) {
-    for (Work& work : window) {
+std::vector<ModelStage::Work> ModelStage::take_data(int first, int count) {
+    std::vector<Work> window(static_cast<std::size_t>(count));
+    for (int w = 0; w < count; ++w) {
+        Work& work = window[w];
+        work.row = first + w;
         work.phenotypes.resize(static_cast<std::size_t>(settings_.individuals));
         phenotypes_.row(work.row, work.phenotypes);
         work.quantitative_before = quantitative_;
@@ -114,18 +139,19 @@ void ModelStage::take_data(std::vector<Work>& window) {
                         std::any_of(work.phenotypes.begin(), work.phenotypes.end(), is_quantity);
     }
     for_each_work(window, false, [this](Work& work, int threads) {
-        work.input.emplace(BuilderInput{genotypes_, work.phenotypes, best_[work.row]});
+        work.input.emplace(
+            BuilderInput{genotypes_, work.phenotypes, best_[work.row], &phenotypes_.clusters()});
         work.data.emplace(*work.input, settings_, work.quantitative_before, threads);
     });
+    return window;
 }
 
 // One data set at a time where the codes of all pairs take much memory.
-void ModelStage::search(std::vector<Work>& window) {
+void ModelStage::find(std::vector<Work>& window) {
     const bool large = pair_bytes(settings_.usable_markers()) > kWindowBytes;
     for_each_work(window, large, [this](Work& work, int threads) {
         work.kept = search_sets(*work.data, settings_, threads, wanted_, *rooms_.borrow());
-        work.result.pair_search = work.kept.pair_statistics;
-        meter_.add(work.kept.count() == 0 ? 1 : share_of_search());
+        search_meter_.add(1);
     });
 }
 
@@ -149,6 +175,7 @@ void ModelStage::score(std::vector<Work>& window) {
     std::vector<Item> items;
     for (Work& work : window) {
         for (int s = 0; s < work.kept.count(); ++s) items.push_back({&work, s});
+        if (work.kept.count() == 0) model_meter_.add(1);
     }
     for_each_index(threads_, items.size(), [&](std::size_t i) {
         const auto [work, s] = items[i];
@@ -159,7 +186,7 @@ void ModelStage::score(std::vector<Work>& window) {
         } catch (const Stop& stop) {
             work->score_stops[s] = stop;
         }
-        meter_.add((1 - share_of_search()) / work->kept.count());
+        model_meter_.add(1.0 / work->kept.count());
     });
 }
 
@@ -175,7 +202,8 @@ void ModelStage::finish(Work& work) {
     }
     const Imputation imputation(*work.data, work.start);
     out << "csm begin\n";
-    print_build(*work.data, *work.input, imputation, work.kept, scored, work.row > 0, out);
+    print_build(*work.data, *work.input, imputation, work.kept, scored, data_set_ + work.row > 0,
+                out);
     if (work.stopped) return;
     out << "csm end\n";
     const Design& design = work.result.design.emplace(*work.data, imputation, records);

@@ -35,19 +35,38 @@ struct ModelledDataSet {
     Transcript transcript{false};
 };
 
+// Where a stage begins that has not all data sets of its run.
+struct ModelStart {
+    int data_set = 0;          // number of row 0 of the phenotypes
+    Generator draws;           // where the draws of the first data set to be modelled begin
+    bool method_told = false;  // the method of clustering stands on the console before it
+};
+
 class ModelStage {
   public:
-    // best[d]: columns of data set d by rank, at least m. `work` gets how many data sets have been
-    // worked on, parts included. Nothing is owned but the settings.
+    // best[r]: columns of row r's data set by rank, at least m. Nothing is owned but the settings.
     ModelStage(const Genotypes& genotypes, const PhenotypeRows& phenotypes,
                std::span<const std::vector<int>> best, const BuilderSettings& settings, int threads,
-               bool wanted, std::function<void(double data_sets)> work = {});
+               bool wanted, const TellWork& work = {});
+
+    // Before the first call of another member.
+    void begin_at(const ModelStart& start);
+
+    // Gets data sets by their numbers, in order, with the sets of markers that are kept and how
+    // many numbers the rest will draw.
+    using TakeKept = std::function<void(int d, KeptSets&& kept, std::int64_t draws)>;
+
+    // The search alone, of rows first .. first + count - 1.
+    void search(int first, int count, const TakeKept& take);
+
+    // What a search has found, by row; run() asks for it instead of searching.
+    void take_searched(std::function<KeptSets(int row)> searched);
 
     // Gets data sets in order. One whose run stops is handed on as far as it came, and its Stop is
     // thrown then.
     using Take = std::function<void(int d, ModelledDataSet&& modelled)>;
 
-    // Data sets first .. first + count - 1; every call goes on where the one before ended.
+    // Rows first .. first + count - 1; every call goes on where the one before ended.
     void run(int first, int count, const Take& take);
 
     // Where the draws of the data set after the last one begin.
@@ -59,11 +78,13 @@ class ModelStage {
   private:
     struct Work;
 
+    template <typename Body>
+    void for_each_window(int first, int count, Body body);
     int window_size() const;
-    double share_of_search() const;
-    void run_window(int first, int count, const Take& take);
-    void take_data(std::vector<Work>& window);
-    void search(std::vector<Work>& window);
+    std::vector<Work> take_data(int first, int count);
+    void hand_on_kept(std::vector<Work>& window, const TakeKept& take) const;
+    void run_window(std::vector<Work>& window, const Take& take);
+    void find(std::vector<Work>& window);
     void place_draws(std::vector<Work>& window);
     void score(std::vector<Work>& window);
     void finish(Work& work);
@@ -77,8 +98,11 @@ class ModelStage {
     BuilderSettings settings_;
     int threads_;
     bool wanted_;
-    WorkMeter meter_;
+    WorkMeter search_meter_;
+    WorkMeter model_meter_;
     Workspaces<PairCodeRoom> rooms_;
+    std::function<KeptSets(int row)> searched_;
+    int data_set_ = 0;           // number of row 0
     Generator next_draw_;        // where the next data set's draws begin
     bool quantitative_ = false;  // a phenotype so far was neither 0 nor 1
     bool method_told_ = false;   // the method of clustering, on the console

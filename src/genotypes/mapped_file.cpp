@@ -9,27 +9,12 @@
 #include <cstring>
 #include <utility>
 
+#include "common/file_descriptor.h"
 #include "common/input_error.h"
 
 namespace vort {
 
 namespace {
-
-class Descriptor {
-  public:
-    explicit Descriptor(const std::string& path)
-        : number_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
-    ~Descriptor() {
-        if (number_ >= 0) ::close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return number_; }
-
-  private:
-    int number_;
-};
 
 [[noreturn]] void fail(const std::string& path, int reason) {
     input_error(path, 0, std::string("cannot be read (") + std::strerror(reason) + ')');
@@ -38,9 +23,10 @@ class Descriptor {
 }  // namespace
 
 MappedFile::MappedFile(std::string path) : path_(std::move(path)) {
-    const Descriptor file(path_);
+    const FileDescriptor file(path_, O_RDONLY | O_NONBLOCK);
     struct stat status {};
-    if (file.number() < 0 || ::fstat(file.number(), &status) != 0) fail(path_, errno);
+    if (!file.is_open()) fail(path_, file.error());
+    if (::fstat(file.number(), &status) != 0) fail(path_, errno);
     if (S_ISDIR(status.st_mode)) fail(path_, EISDIR);
     if (!S_ISREG(status.st_mode)) {
         input_error(path_, 0, "is no regular file, which alone can be mapped");

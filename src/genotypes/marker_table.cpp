@@ -1,12 +1,25 @@
 #include "genotypes/marker_table.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <cerrno>
+#include <filesystem>
 
 #include "common/stop.h"
 #include "common/text_input.h"
 
 namespace vort {
+
+namespace {
+
+// What is the matter with a table itself; other failures to open it, as a lack of descriptors, may
+// not be there at the next attempt.
+bool stays(int error) {
+    constexpr std::array kReasons = {ENOENT, EACCES, EPERM, EROFS, EISDIR, ENOTDIR, ELOOP};
+    return std::ranges::find(kReasons, error) != kReasons.end();
+}
+
+}  // namespace
 
 MarkerTable MarkerTable::from_file(const std::string& path, int markers) {
     MarkerTable table;
@@ -50,7 +63,11 @@ void MarkerTable::check_entry(int chromosome, int before, std::string_view name,
 }
 
 void MarkerTable::read(int markers) {
-    write_failure_ = TextInput(path_, "r+").open_error();
+    // Opening a pipe and closing it again would cost its writer what it has to say.
+    std::error_code unseen;
+    if (!std::filesystem::is_fifo(path_, unseen)) {
+        write_failure_ = TextInput(path_, "r+").open_error();
+    }
     TextInput input(path_);
     read_failure_ = input.open_error();
     if (read_failure_ != 0) return;
@@ -58,6 +75,17 @@ void MarkerTable::read(int markers) {
         fault("names not kept", kMostNamed + 1,
               "at most " + std::to_string(kMostNamed) + " markers are named");
     }
+    if (input.has_byte_order_mark()) {
+        fault("byte order marks", 1,
+              "begins with a byte order mark, which is no part of a number; save the file as UTF-8 "
+              "without one");
+    }
+    read_entries(input, markers);
+    broken_off_ = input.read_error();
+    broken_line_ = input.line_number();
+}
+
+void MarkerTable::read_entries(TextInput& input, int markers) {
     int before = 0;
     std::string name;
     for (int i = 1; i <= markers; ++i) {
@@ -65,16 +93,7 @@ void MarkerTable::read(int markers) {
         const long line = input.line_number();
         int chromosome = 0;
         if (!input.integer(chromosome)) {
-            if (input.read_error() != 0) {
-                fault("read errors", line, std::strerror(input.read_error()));
-            } else if (input.peek() != EOF) {
-                fault("chromosomes that are no number", line,
-                      "a chromosome number was expected; no entry from here on is read");
-            } else {
-                fault("tables that are short", input.line_number(),
-                      std::to_string(i - 1) + " entries (a chromosome number and a name each), " +
-                          std::to_string(markers) + " expected; the other markers have no name");
-            }
+            fault_of_end(input, line, i - 1, markers);
             return;
         }
         input.word(name);
@@ -90,14 +109,34 @@ void MarkerTable::read(int markers) {
     }
 }
 
+void MarkerTable::fault_of_end(TextInput& input, long line, int entries, int markers) {
+    if (input.peek() != EOF) {
+        fault("chromosomes that are no number", line,
+              "a chromosome number was expected; no entry from here on is read");
+    } else {
+        fault("tables that are short", input.line_number(),
+              std::to_string(entries) + " entries (a chromosome number and a name each), " +
+                  std::to_string(markers) + " expected; the other markers have no name");
+    }
+}
+
 void MarkerTable::check(Diagnostics& diagnostics) const {
+    if (broken_off_ != 0) {
+        diagnostics.say("tables that cannot be read", path_, broken_line_,
+                        "could not be read on (" + reason_text(broken_off_) +
+                            "); nothing is analysed without the whole file");
+        stop("", 1);
+    }
     for (const Fault& fault : faults_) diagnostics.say(fault.kind, path_, fault.line, fault.text);
     const int failure = read_failure_ != 0 ? read_failure_ : write_failure_;
     if (failure == 0) return;
     diagnostics.say("tables that cannot be used", path_, 0,
-                    std::string("cannot be opened (") + std::strerror(failure) +
-                        "), for reading and writing as expected; a model would be reported "
-                        "without the names of its markers");
+                    "cannot be opened (" + reason_text(failure) +
+                        "), for reading and writing as expected" +
+                        (stays(failure) ? "; a model would be reported without the names of its "
+                                          "markers"
+                                        : ""));
+    if (!stays(failure)) stop("", 1);
 }
 
 MarkerTable::Place MarkerTable::locate(int m, Numbering numbering) const {

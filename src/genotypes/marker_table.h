@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "common/diagnostics.h"
+#include "common/text_input.h"
 #include "genotypes/marker_info.h"
 
 namespace vort {
@@ -45,6 +46,7 @@ class MarkerTable {
     static MarkerTable from_markers(std::span<const MarkerInfo> markers);
 
     // Says on standard error what is wrong with the table, so that nobody learns it after hours.
+    // One that could not be read to its end stops the run.
     void check(Diagnostics& diagnostics) const;
 
     // A table that cannot be opened stops the run when it is first looked at: the places need it
@@ -65,6 +67,8 @@ class MarkerTable {
     };
 
     void read(int markers);
+    void read_entries(TextInput& input, int markers);
+    void fault_of_end(TextInput& input, long line, int entries, int markers);
     void add(int chromosome, std::string_view name);
     void check_entry(int chromosome, int before, std::string_view name, long line);
     void fault(std::string_view kind, long line, std::string text);
@@ -72,6 +76,8 @@ class MarkerTable {
     std::string path_;
     int read_failure_ = 0;   // errno of opening it for reading
     int write_failure_ = 0;  // and for reading and writing
+    int broken_off_ = 0;     // why reading ended before the file did
+    long broken_line_ = 0;   // and where
     std::vector<Fault> faults_;
     std::vector<std::string> names_{""};  // by slot
     std::vector<signed char> chromosomes_{0};

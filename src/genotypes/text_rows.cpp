@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include "common/characters.h"
+#include "common/odd_files.h"
 #include "common/stop.h"
 
 namespace vort {
@@ -64,14 +64,22 @@ void remark_on_row(const TextDataSet& settings, long line, int given, bool lone_
     }
 }
 
+TextInput TextRows::opened(const std::string& path, Diagnostics& diagnostics) {
+    tell_pipe(path, diagnostics);
+    return TextInput(path);
+}
+
 TextRows::TextRows(const TextDataSet& settings, Diagnostics& diagnostics)
-    : settings_(settings), diagnostics_(diagnostics), input_(settings.file) {
+    : settings_(settings), diagnostics_(diagnostics), input_(opened(settings.file, diagnostics)) {
     if (!input_.is_open()) {
         if (input_.open_error() == EISDIR) {
             say(kUnreadable, 0, "is a directory; a file was expected");
+        } else if (input_.open_error() != ENOENT) {
+            say(kUnreadable, 0, "cannot be opened (" + reason_text(input_.open_error()) + ')');
         }
         stop("file open " + settings_.file + " not good\n");
     }
+    tell_byte_order_mark(input_, settings_.file, diagnostics_);
     if (settings_.head == 1) read_header();
 }
 
@@ -81,7 +89,7 @@ void TextRows::say(std::string_view kind, long line, const std::string& text) {
 
 void TextRows::fail(long line, int reason) {
     say(kUnreadable, line,
-        std::string("could not be read on (") + std::strerror(reason) +
+        "could not be read on (" + reason_text(reason) +
             "); nothing is analysed without the whole file");
     stop("", 1);
 }

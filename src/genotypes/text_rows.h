@@ -54,6 +54,7 @@ class TextRows {
     [[noreturn]] void fail(long line, int reason);
 
   private:
+    static TextInput opened(const std::string& path, Diagnostics& diagnostics);
     void read_header();
     bool read_row(RowStrip& strip, short& phenotype);
     void say(std::string_view kind, long line, const std::string& text);

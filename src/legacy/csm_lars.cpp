@@ -6,8 +6,9 @@
 #include <string>
 
 #include "common/memory_check.h"
-#include "common/text_input.h"
+#include "common/stop.h"
 #include "legacy/default_objects.h"
+#include "legacy/design_file.h"
 #include "legacy/lars.h"
 #include "legacy/on_console.h"
 
@@ -16,12 +17,6 @@ namespace vort {
 namespace {
 
 constexpr int kPathLimit = 50;  // residual vectors of the selector, one more than its steps
-
-// Reads on behind the first 'p', which begins the trailer: the matrix holds numbers only.
-void skip_to_trailer(TextInput& input) {
-    int c = input.get();
-    while (c != EOF && c != 'p') c = input.get();
-}
 
 }  // namespace
 
@@ -60,6 +55,9 @@ double CSM_LARS::run(int current, int Sample, int Marker, char** X, short** phen
     }
     if (cols == 0) return kNoStatistic;
     on_console([&](Transcript&) {
+        const std::string path = std::string(datapath_) + "output_X_Y.txt";
+        const DesignSize claimed{static_cast<int>(rows), static_cast<int>(cols)};
+        if (!can_hold(path, claimed)) stop("find error input file=" + path + '\n');
         require_memory(8.0 * rows * (cols + 52.0),
                        "a design matrix of " + std::to_string(rows) + " rows and " +
                            std::to_string(cols) + " columns",
@@ -74,22 +72,15 @@ double CSM_LARS::run(int current, int Sample, int Marker, char** X, short** phen
 }
 
 int CSM_LARS::restorepara(unsigned int* rows, unsigned int* cols) {
-    TextInput input(std::string(datapath_) + "output_X_Y.txt");
-    skip_to_trailer(input);
-    std::string word;
-    input.word(word);
-    if (word.substr(0, 3) != "ara") {
+    const auto size = read_design_size(std::string(datapath_) + "output_X_Y.txt");
+    if (!size) {
         std::cerr << "find error read output_X_Y.txt\n\n";
         std::exit(0);
     }
-    int row = 0;
-    int col = 0;
-    input.integer(row);
-    input.integer(col);
-    if (row < 0) return 1;
-    *rows = static_cast<unsigned int>(row);
-    if (col < 0) return 1;
-    *cols = static_cast<unsigned int>(col);
+    if (size->rows < 0) return 1;
+    *rows = static_cast<unsigned int>(size->rows);
+    if (size->columns < 0) return 1;
+    *cols = static_cast<unsigned int>(size->columns);
     return 0;
 }
 

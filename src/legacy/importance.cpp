@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kMarkersOfASet = 3;
 constexpr int kEndByte = 0xFF;
+constexpr int kMostColumns = 1 << 20;  // far above what a search keeps
 
 }  // namespace
 
@@ -28,6 +29,12 @@ int readbeta(const char* path, double** coefficients, int* nonzero, double** sec
     int lines = 0;
     input.integer(columns);
     input.integer(lines);
+    if (columns > kMostColumns) {
+        default_objects().diagnostics.say("coefficient files that cannot be used", path, 1,
+                                          std::to_string(columns) + " columns; at most " +
+                                              std::to_string(kMostColumns) + " expected");
+        return 0;
+    }
     const std::size_t size = columns > 0 ? static_cast<std::size_t>(columns) : 0;
     auto beta = std::make_unique<double[]>(size);
     auto mean_square = std::make_unique<double[]>(size);

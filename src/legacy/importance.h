@@ -8,8 +8,8 @@ namespace vort {
 // Reads the coefficient file and prints its lines. Returns the number of columns, with
 // *coefficients and *second (new arrays of that many doubles, zero where the file names no value;
 // the caller deletes them) and the number of coefficient lines in *nonzero; 0, with nothing set,
-// where the file cannot be opened. A line whose column is none is skipped and said on standard
-// error.
+// where the file cannot be opened or claims more than a million columns. A line whose column is
+// none is skipped and said on standard error.
 int readbeta(const char* path, double** coefficients, int* nonzero, double** second);
 
 // Adds one base learner's shares to the importance of its markers: |beta| / (number of markers) /

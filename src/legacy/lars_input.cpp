@@ -3,56 +3,21 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <iostream>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "common/diagnostics.h"
 #include "common/number_text.h"
-#include "common/text_input.h"
 #include "lars/column_views.h"
+#include "legacy/design_file.h"
 #include "legacy/lars.h"
+#include "legacy/on_console.h"
 #include "legacy/random.h"
 
 namespace vort {
 
 namespace {
-
-// The design matrix file, with its way to end the program.
-class DesignFile {
-  public:
-    explicit DesignFile(const char* path) : path_(path), input_(path_) {
-        if (input_.is_open()) return;
-        std::cout << "When open file " << path_ << ", find error\n";
-        std::exit(0);
-    }
-
-    void skip_words(int count) {
-        std::string word;
-        for (int w = 0; w < count && input_.good(); ++w) input_.word(word);
-    }
-
-    // What is no number leaves a 0 and is found out by the next call.
-    double value() {
-        if (!input_.good()) {
-            std::cout << "find error input file=" << path_ << '\n';
-            std::exit(0);
-        }
-        double number = 0.0;
-        if (!input_.real(number)) {
-            diagnostics_.say("design matrix values that are no numbers", path_,
-                             input_.line_number(), "expected a number; 0 is taken");
-        }
-        return number;
-    }
-
-  private:
-    std::string path_;
-    TextInput input_;
-    Diagnostics diagnostics_{std::cerr};
-};
 
 // The generator's own scaling, by the corrected sum of squares of the values as drawn.
 void standardise(std::span<double> values) {
@@ -95,17 +60,12 @@ double draw_response(std::span<const double> b, double** X, int n_col, int i) {
 
 int LARS::ReadDatafromfile(double** X, double* Y, const char* file, int nrow) {
     if (n_col_ == 0 || nrow == 0) return -1;
-    DesignFile input(file);
-    if (header_flag == 1) {
-        input.skip_words(1);
-        input.skip_words(n_col_ + 1);
-    }
-    for (int i = 0; i < nrow; ++i) {
-        if (row_label_flag == 1) input.skip_words(1);
-        Y[i] = input.value();
-        for (int j = 0; j < n_col_; ++j) X[j][i] = input.value();
-    }
-    return 0;
+    const DesignLayout layout{{nrow, n_col_}, header_flag == 1, row_label_flag == 1};
+    return on_console([&](Transcript&) {
+        Diagnostics diagnostics(std::cerr);
+        read_design(file, layout, X, Y, diagnostics);
+        return 0;
+    });
 }
 
 int LARS::GenerateModelData(double** X, double* Y) {

@@ -27,21 +27,22 @@ LabelRuns::LabelRuns(std::span<const unsigned char> labels, Instructions instruc
     }
 }
 
-void LabelRuns::draw(Generator start, int orders, std::uint64_t* planes) const {
-    if (few_runs_ && start.stretch()) return draw_runs(start, orders, planes);
-    draw_orders(start, orders, planes);
+void LabelRuns::draw(Generator start, const Generator::Skip& apart, int orders,
+                     std::uint64_t* planes) const {
+    if (few_runs_ && start.stretch()) return draw_runs(start, apart, orders, planes);
+    draw_orders(start, apart, orders, planes);
 }
 
-void LabelRuns::draw_runs(Generator start, int orders, std::uint64_t* planes) const {
+void LabelRuns::draw_runs(Generator start, const Generator::Skip& apart, int orders,
+                          std::uint64_t* planes) const {
     static const Generator::Skip stretch(kDrawsAtOnce);
-    const Generator::Skip order(labels_.size());
     const auto draw =
         kernel_for(instructions_, []<Instructions I>() { return LabelRunKernel<I>::draw; });
     Generator generators[kOrdersAtOnce];
     LabelRunLanes lanes;
     for (int l = 0; l < kOrdersAtOnce; ++l) {
         generators[l] = start;
-        if (l < orders) start.skip(order);
+        if (l < orders) start.skip(apart);
         for (int e = 0; e < LabelRunLanes::kEnds; ++e) lanes.ends[e][l] = ends_[e];
     }
     const int n = this->n();
@@ -60,12 +61,15 @@ void LabelRuns::draw_runs(Generator start, int orders, std::uint64_t* planes) co
     }
 }
 
-void LabelRuns::draw_orders(Generator start, int orders, std::uint64_t* planes) const {
+void LabelRuns::draw_orders(Generator start, const Generator::Skip& apart, int orders,
+                            std::uint64_t* planes) const {
     RandomOrder space(instructions_);
     std::vector<int> order(labels_.size());
     std::fill_n(planes, static_cast<std::size_t>(orders) * plane_words(), 0);
     for (; orders > 0; --orders, planes += plane_words()) {
-        space.draw(start, order);
+        Generator own = start;
+        space.draw(own, order);
+        start.skip(apart);
         for (std::size_t c = 0; c < order.size(); ++c) {
             const std::uint64_t label = labels_[order[c]] != 0 ? 1 : 0;
             planes[c / kBits] |= label << (c % kBits);

@@ -49,14 +49,17 @@ class LabelRuns {
     // Words of one order's labels.
     std::size_t plane_words() const { return (labels_.size() + 63) / 64; }
 
-    // Draws `orders` orders, at most kOrdersAtOnce; order l starts n * l draws after `start`. Bit
-    // c % 64 of planes[l * plane_words() + c / 64] is the label of the item that order l draws
-    // c-th; bits from n on are 0.
-    void draw(Generator start, int orders, std::uint64_t* planes) const;
+    // Draws `orders` orders, at most kOrdersAtOnce; the first starts at `start`, every other one
+    // `apart` draws, n or more, after the one before. Bit c % 64 of planes[l * plane_words() + c /
+    // 64] is the label of the item that order l draws c-th; bits from n on are 0.
+    void draw(Generator start, const Generator::Skip& apart, int orders,
+              std::uint64_t* planes) const;
 
   private:
-    void draw_runs(Generator start, int orders, std::uint64_t* planes) const;
-    void draw_orders(Generator start, int orders, std::uint64_t* planes) const;
+    void draw_runs(Generator start, const Generator::Skip& apart, int orders,
+                   std::uint64_t* planes) const;
+    void draw_orders(Generator start, const Generator::Skip& apart, int orders,
+                     std::uint64_t* planes) const;
 
     Instructions instructions_;
     std::vector<unsigned char> labels_;

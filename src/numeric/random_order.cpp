@@ -50,6 +50,19 @@ void RandomOrder::draw(Generator& generator, std::span<int> order) {
     }
 }
 
+void RandomOrder::draw(Generator& generator, const Clusters& clusters, std::span<int> order) {
+    if (clusters.none()) return draw(generator, order);
+    for (int c = 0; c < clusters.count(); ++c) {
+        const std::span<const int> members = clusters.members(c);
+        within_.resize(members.size());
+        draw(generator, within_);
+        for (std::size_t k = 0; k < members.size(); ++k) {
+            order[static_cast<std::size_t>(members[k])] =
+                members[static_cast<std::size_t>(within_[k])];
+        }
+    }
+}
+
 void draw_order(Generator& generator, std::span<int> order) {
     RandomOrder().draw(generator, order);
 }

@@ -21,6 +21,7 @@
 #include <span>
 #include <vector>
 
+#include "numeric/clusters.h"
 #include "numeric/draw_kernel.h"
 #include "numeric/generator.h"
 #include "numeric/instructions.h"
@@ -38,12 +39,17 @@ class RandomOrder {
     // A number below 0 (see Generator) takes the first item.
     void draw(Generator& generator, std::span<int> order);
 
+    // The same within clusters: each in turn, and order[i] is in the cluster of item i. Where there
+    // are none, and where one holds all items, this is the order above.
+    void draw(Generator& generator, const Clusters& clusters, std::span<int> order);
+
   private:
     ItemTree full_tree(int n);
 
     Instructions instructions_;
     std::vector<std::uint64_t> words_;
     std::vector<ItemTree::Node> nodes_[ItemTree::kMostLevels];  // as ItemTree has them
+    std::vector<int> within_;                                   // an order of a cluster's members
 };
 
 // The same, once.

@@ -36,6 +36,16 @@ std::string meaning(const std::array<Meaning, N>& of, const std::string& name) {
     return "";
 }
 
+// Nothing where phenotypes were shuffled freely.
+std::string within_html(const ModelView& view) {
+    if (view.within_file.empty()) return "";
+    return element("p", "Phenotypes were shuffled within the " +
+                            counted(view.clusters, "clusters") + " of " + view.within_file +
+                            " only. So the p-value of the model, EMP1 and EMP2 allow for clusters "
+                            "whose shares of cases and whose allele frequencies differ. The tests' "
+                            "own p-values, lambda and the model's fit do not.");
+}
+
 }  // namespace
 
 void method_parts(const ModelView& view, PageParts& parts) {
@@ -49,7 +59,7 @@ void method_parts(const ModelView& view, PageParts& parts) {
     table.add({"format", view.format, meaning(kFormats, view.format)});
     table.add({"vort", view.version, "the program"});
     table.add({"Chart.js", chartjs_version(), "the charts"});
-    parts["method"] = table.html();
+    parts["method"] = within_html(view) + table.html();
 }
 
 }  // namespace vort

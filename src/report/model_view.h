@@ -3,9 +3,12 @@
 
 #include <limits>
 #include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "prediction/evaluation.h"
 
 namespace vort {
 
@@ -64,6 +67,13 @@ struct LeftOutLine {
     std::string why;
 };
 
+// How the model does on people who were held back, and on those it was made from.
+struct HoldoutView {
+    double fraction = kUnknown;
+    long cases = 0, controls = 0;
+    std::optional<Evaluation> unseen, training;  // without a model none
+};
+
 // Numbers are kUnknown where the run does not have them.
 struct ModelView {
     std::string version;
@@ -74,6 +84,9 @@ struct ModelView {
     std::vector<LeftOutLine> left_out;
     std::vector<std::string> notes;
     std::vector<std::pair<std::string, std::string>> parameters;
+
+    std::string within_file;  // of the clusters that permutations kept to; empty: none
+    long clusters = 0;
 
     double lambda_gc = kUnknown;
     bool has_model = false;
@@ -87,6 +100,8 @@ struct ModelView {
     std::vector<Learner> learners;
     std::vector<ShownSet> sets;
     std::vector<WeighedMarker> weighed;  // by decreasing importance
+
+    std::optional<HoldoutView> holdout;  // where somebody was held back
 
     bool permuted() const { return permutations > 0; }
     long tested() const { return markers - dropped; }

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "report/html.h"
 #include "report/sections.h"
 #include "report/wording.h"
@@ -176,8 +178,7 @@ std::string left_out(const ModelView& view) {
 // The name that the reader knows the study by: its genotype file, without folders.
 std::string study_name(const ModelView& view) {
     if (view.files.empty()) return "";
-    const std::string& path = view.files.front().second;
-    return path.substr(path.find_last_of('/') + 1);
+    return std::filesystem::path(view.files.front().second).filename().string();
 }
 
 }  // namespace

@@ -39,11 +39,12 @@ void ReportPage::write(const nlohmann::json& model, std::span<const DataSetRow> 
                        std::span<const QuantileRow> quantiles, std::ostream& out) const {
     const ModelView view = read_model_view(model);
     PageParts parts;
-    nlohmann::json data;
+    nlohmann::json data = nlohmann::json::object();
     outcome_parts(view, parts);
     markers_->parts(view, data_sets, parts, data);
     chance_parts(view, data_sets, quantiles, parts, data);
     model_parts(view, parts, data);
+    holdout_parts(view, parts);
     method_parts(view, parts);
     parts["data"] = json_for_script(data);
     write_filled(page_template(), parts, out);

@@ -1,4 +1,4 @@
-// The six sections of the page, each as HTML for its marks in the template.
+// The sections of the page, each as HTML for its marks in the template.
 #pragma once
 
 #include <map>
@@ -57,7 +57,10 @@ void chance_parts(const ModelView& view, std::span<const DataSetRow> data_sets,
 // 5. Base learners, importance and cell maps.
 void model_parts(const ModelView& view, PageParts& parts, nlohmann::json& data);
 
-// 6. Parameters and versions.
+// 6. The model on people it has not seen, where some were held back.
+void holdout_parts(const ModelView& view, PageParts& parts);
+
+// 7. Parameters and versions.
 void method_parts(const ModelView& view, PageParts& parts);
 
 }  // namespace vort

@@ -149,6 +149,14 @@ std::string p_text(double p) {
     return text;
 }
 
+std::string auc_text(const RocArea& roc) {
+    if (std::isnan(roc.area)) return "not available without both cases and controls";
+    const std::string area = decimal(roc.area, 3);
+    if (std::isnan(roc.interval.low)) return area + " (no interval)";
+    return area + " (95 % interval " + decimal(roc.interval.low, 3) + " to " +
+           decimal(roc.interval.high, 3) + ")";
+}
+
 std::string share_text(long part, long of) {
     if (of == 0) return "no share";
     return std::to_string(std::lround(100.0 * double(part) / double(of))) + "\u00a0%";

@@ -21,6 +21,9 @@ std::string p_text(double p);
 // A fixed number of digits after the point; "not available" where it is not a number.
 std::string decimal(double value, int digits);
 
+// "0.683 (95 % interval 0.62 to 0.74)".
+std::string auc_text(const RocArea& roc);
+
 // "83 %"; of == 0 gives "no share".
 std::string share_text(long part, long of);
 

@@ -1,5 +1,7 @@
 #include "results/data_set_files.h"
 
+#include <limits>
+
 #include "common/output_file.h"
 #include "common/stop.h"
 #include "results/table_text.h"
@@ -9,6 +11,8 @@ namespace vort {
 namespace {
 
 constexpr std::string_view kDataSetHeader = "DATA_SET\tT\tP_MIN\tSNP\tLEARNERS";
+constexpr long kMostDataSets = std::numeric_limits<int>::max();
+constexpr long kMostLearners = std::numeric_limits<int>::max();
 constexpr std::string_view kQuantileHeader = "RANK\tP_MIN\tP_EXPECTED\tP_LOW\tP_HIGH";
 
 // As "P_value.txt" shows it: 0 for no model.
@@ -79,11 +83,11 @@ std::vector<DataSetRow> read_data_set_file(const std::string& path) {
     std::vector<DataSetRow> rows;
     while (table.next()) {
         DataSetRow row;
-        row.data_set = static_cast<int>(table.whole(0, 0));
+        row.data_set = static_cast<int>(table.whole(0, 0, 0, kMostDataSets));
         row.T = table.number(1);
-        row.smallest_p = table.number(2);
+        row.smallest_p = table.share(2);
         if (table.word(3) != kNA) row.marker = table.word(3);
-        row.learners = static_cast<int>(table.whole(4, -1));
+        row.learners = static_cast<int>(table.whole(4, -1, 0, kMostLearners));
         rows.push_back(std::move(row));
     }
     return rows;
@@ -94,8 +98,8 @@ std::vector<QuantileRow> read_quantile_file(const std::string& path) {
     TableReader table(path, text, kQuantileHeader);
     std::vector<QuantileRow> rows;
     while (table.next()) {
-        rows.push_back({table.whole(0, 0), table.number(1), table.number(2), table.number(3),
-                        table.number(4)});
+        rows.push_back({table.whole(0, 0, 0, std::numeric_limits<long>::max()), table.share(1),
+                        table.share(2), table.share(3), table.share(4)});
     }
     return rows;
 }

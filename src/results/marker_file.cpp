@@ -3,6 +3,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <limits>
 #include <new>
 
 #include "common/output_file.h"
@@ -102,6 +103,8 @@ Piece make_piece(const MarkerRows& rows, std::size_t begin, std::size_t end, boo
     return piece;
 }
 
+constexpr long kMostChromosome = 26;
+
 class RowReader {
   public:
     RowReader(const std::string& path, std::string_view text) : table_(path, text, kHeader) {}
@@ -110,9 +113,9 @@ class RowReader {
         if (!table_.next()) return false;
         row = MarkerRow();
         column_ = 0;
-        row.chromosome = whole();
+        row.chromosome = whole(kMostChromosome);
         row.name = word();
-        row.position = table_.whole(column_++, 0);
+        row.position = table_.whole(column_++, 0, 0, std::numeric_limits<long>::max());
         row.a1 = word();
         row.a2 = word();
         take_copies(row.cases);
@@ -124,24 +127,27 @@ class RowReader {
         row.recessive = test();
         row.genotype.chisq = number();
         row.genotype_df = whole();
-        row.genotype.p = number();
+        row.genotype.p = share();
         row.model = word();
         if (row.model == kNA) row.model = {};
-        row.p_min = number();
+        row.p_min = share();
         row.rank = whole();
-        row.emp1 = number();
-        row.emp2 = number();
-        row.in_model = whole() != 0;
+        row.emp1 = share();
+        row.emp2 = share();
+        row.in_model = whole(1) != 0;
         return true;
     }
 
   private:
     std::string_view word() { return table_.word(column_++); }
-    int whole() { return static_cast<int>(table_.whole(column_++, 0)); }
+    int whole(long most = std::numeric_limits<int>::max()) {
+        return static_cast<int>(table_.whole(column_++, 0, 0, most));
+    }
     double number() { return table_.number(column_++); }
+    double share() { return table_.share(column_++); }
     TestResult test() {
         const double chisq = number();
-        return {chisq, number()};
+        return {chisq, share()};
     }
     void take_copies(GroupCounts& group) {
         for (int copies = 2; copies >= 0; --copies) group.copies[copies] = whole();

@@ -9,6 +9,7 @@
 #include "common/input_error.h"
 #include "ensemble/cell_counts.h"
 #include "numeric/binomial_interval.h"
+#include "results/account_json.h"
 #include "results/fitted_risk.h"
 #include "results/table_text.h"
 
@@ -20,35 +21,12 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kFormat = "vort-model";
 constexpr int kFormatVersion = 1;
+// Json::object() and Json::array() stand where a null would do: one that turns into either when it
+// is first written to is left in pieces where there is no memory.
 constexpr int kDeepest = 1000;  // beyond, a reader might run out of stack
-
-// Brackets open at once, at most; those in strings are counted too.
-int depth(std::string_view text) {
-    int open = 0;
-    int deepest = 0;
-    for (const char c : text) {
-        if (c == '[' || c == '{') deepest = std::max(deepest, ++open);
-        if (c == ']' || c == '}') --open;
-    }
-    return deepest;
-}
 
 Json number_or_null(double value) {
     return std::isnan(value) ? Json(nullptr) : Json(value);
-}
-
-const char* name_of(StudyFormat format) {
-    switch (format) {
-        case StudyFormat::kBed:
-            return "bed";
-        case StudyFormat::kVcf:
-            return "vcf";
-        case StudyFormat::kRaw:
-            return "raw";
-        case StudyFormat::kDirectory:
-            return "study";
-    }
-    return "";
 }
 
 class Writer {
@@ -59,7 +37,7 @@ class Writer {
     }
 
     Json whole() const {
-        Json out;
+        Json out = Json::object();
         out["format"] = kFormat;
         out["format_version"] = kFormatVersion;
         out["program"] = {{"name", "vort"}, {"version", run_.version}};
@@ -68,6 +46,7 @@ class Writer {
                              {"best_m", run_.parameters.best_m},
                              {"max_retain", run_.parameters.max_retain},
                              {"fdr", run_.parameters.fdr}};
+        if (run_.study.within) out["within"] = within(*run_.study.within);
         out["screening"] = {{"lambda_gc", number_or_null(run_.lambda_gc)}};
         out["result"] = result();
         out["model"] = run_.result.has_model ? model() : Json(nullptr);
@@ -87,7 +66,7 @@ class Writer {
     };
 
     Json input() const;
-    Json left_out() const;
+    static Json within(const WithinAccount& account);
     Json result() const;
     Json model() const;
     MarkerSets marker_sets() const;
@@ -105,25 +84,18 @@ class Writer {
     long controls_ = 0;
 };
 
-Json Writer::left_out() const {
-    Json out = Json::array();
-    for (const LeftOut& left : run_.study.left_out) {
-        const bool individuals = left.what == LeftOut::What::kIndividuals;
-        out.push_back({{"what", individuals ? "individuals" : "markers"},
-                       {"count", left.count},
-                       {"why", left.why}});
-    }
-    return out;
+Json Writer::within(const WithinAccount& account) {
+    return {{"file", account.file},
+            {"name", account.column.empty() ? Json(nullptr) : Json(account.column)},
+            {"clusters", account.clusters},
+            {"fixed", account.fixed},
+            {"unassigned", account.unassigned}};
 }
 
 Json Writer::input() const {
-    Json files = Json::array();
-    for (const InputFile& file : run_.study.inputs) {
-        files.push_back({{"role", file.role}, {"path", file.path}});
-    }
-    Json out;
+    Json out = Json::object();
     out["format"] = name_of(run_.format);
-    out["files"] = std::move(files);
+    out["files"] = files_json(run_.study);
     out["individuals"] = {{"read", run_.study.individuals_read},
                           {"analysed", cases_ + controls_},
                           {"cases", cases_},
@@ -131,7 +103,7 @@ Json Writer::input() const {
     out["markers"] = {{"read", run_.study.markers_read},
                       {"analysed", run_.study.markers.size()},
                       {"dropped", run_.rows.dropped()}};
-    out["left_out"] = left_out();
+    out["left_out"] = left_out_json(run_.study);
     out["notes"] = run_.study.notes;
     return out;
 }
@@ -144,7 +116,7 @@ Json Writer::result() const {
                       ? B
                       : static_cast<int>(std::ranges::count_if(
                             result.permuted, [&](double S) { return S < result.observed; }));
-    Json out;
+    Json out = Json::object();
     out["has_model"] = result.has_model;
     out["T0"] = result.has_model ? Json(1 - result.observed) : Json(nullptr);
     out["permutations"] = B;
@@ -177,7 +149,7 @@ Json Writer::model() const {
     const FittedRisk risk =
         fitted_risk(learners, static_cast<double>(cases_), static_cast<double>(controls_));
     const MarkerSets sets = marker_sets();
-    Json out;
+    Json out = Json::object();
     out["intercept"] = risk.intercept;
     out["base_learners"] = Json::array();
     for (std::size_t b = 0; b < learners.size(); ++b) {
@@ -221,9 +193,10 @@ Writer::InAndOut Writer::count(const BaseLearner& learner) const {
 }
 
 Json Writer::base_learner(const BaseLearner& learner, int set, double difference) const {
-    Json out;
+    Json out = Json::object();
     out["id"] = learner.id;
     out["marker_set"] = set;
+    out["markers"] = Json::array();
     for (int l = 0; l < learner.markers; ++l) out["markers"].push_back(marker(learner.marker[l]));
     out["group"] = learner.group + 1;
     out["cells"] = Json::array();
@@ -242,8 +215,9 @@ Json Writer::base_learner(const BaseLearner& learner, int set, double difference
 }
 
 Json Writer::marker_set(const BaseLearner& learner, int number) const {
-    Json out;
+    Json out = Json::object();
     out["id"] = number;
+    out["markers"] = Json::array();
     for (int l = 0; l < learner.markers; ++l) {
         out["markers"].push_back(marker(learner.marker[l])["name"]);
     }
@@ -294,7 +268,7 @@ nlohmann::ordered_json model_json(const ModelDescription& run) {
 nlohmann::json read_model(const std::string& path) {
     const std::string text = read_whole_file(path);
     nlohmann::json model;
-    if (depth(text) <= kDeepest) model = nlohmann::json::parse(text, nullptr, false);
+    if (nesting_of(text) <= kDeepest) model = nlohmann::json::parse(text, nullptr, false);
     const auto has = [&](const char* key, const nlohmann::json& value) {
         return model.is_object() && model.contains(key) && model[key] == value;
     };

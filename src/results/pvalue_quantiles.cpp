@@ -78,6 +78,35 @@ void PvalueQuantiles::add_permuted(std::span<const double> pvalues) {
     }
 }
 
+void PvalueQuantiles::append(const PvalueQuantiles& next) {
+    if (observed_.empty()) observed_ = next.observed_;
+    if (ranks_.empty()) ranks_ = next.ranks_;
+    permuted_.resize(ranks_.size());
+    for (std::size_t i = 0; i < next.permuted_.size(); ++i) {
+        permuted_[i].insert(permuted_[i].end(), next.permuted_[i].begin(), next.permuted_[i].end());
+    }
+}
+
+std::vector<float> PvalueQuantiles::permuted() const {
+    std::vector<float> all;
+    for (const std::vector<float>& of_rank : permuted_) {
+        all.insert(all.end(), of_rank.begin(), of_rank.end());
+    }
+    return all;
+}
+
+bool PvalueQuantiles::restore(std::vector<double> observed, std::span<const float> permuted) {
+    if (!observed.empty() && observed.size() != ranks_.size()) return false;
+    const std::size_t data_sets = ranks_.empty() ? 0 : permuted.size() / ranks_.size();
+    if (data_sets * ranks_.size() != permuted.size()) return false;
+    observed_ = std::move(observed);
+    for (std::size_t i = 0; i < ranks_.size(); ++i) {
+        const auto values = permuted.subspan(i * data_sets, data_sets);
+        permuted_[i].assign(values.begin(), values.end());
+    }
+    return true;
+}
+
 std::vector<QuantileRow> PvalueQuantiles::rows() const {
     std::vector<QuantileRow> rows;
     for (std::size_t i = 0; i < observed_.size(); ++i) {

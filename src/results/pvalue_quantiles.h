@@ -18,6 +18,14 @@ class PvalueQuantiles {
     void set_observed(std::span<const double> pvalues, std::span<const int> ranking);
     // p-values of one permuted data set, in any order; each in [0, 1].
     void add_permuted(std::span<const double> pvalues);
+    // What another one of as many markers was given, behind what this one was.
+    void append(const PvalueQuantiles& next);
+
+    // As one number after the other; restore() returns false where they cannot be of so many
+    // markers.
+    std::vector<double> observed() const { return observed_; }
+    std::vector<float> permuted() const;
+    bool restore(std::vector<double> observed, std::span<const float> permuted);
 
     // A row for each rank that is kept, its values as they are written; expectation and band are
     // not available without permuted data sets.

@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "results/marker_row.h"
 #include "results/pvalue_quantiles.h"
-#include "vort/analysis.h"
 
 namespace vort {
 
@@ -28,22 +29,33 @@ struct RunRecord {
     PvalueQuantiles quantiles;
 
     int permutations() const { return static_cast<int>(data_sets.size()) - 1; }
+
+    // The data sets that follow on those that are here.
+    void append(const RunRecord& next);
 };
 
-// Keeps the record. For an analysis with `rank_all`.
-class RunRecorder : public Observer {
+// A data set that is ranked. Not to be kept beyond the call.
+struct ScreenedView {
+    int data_set;  // 0 observed
+    double smallest_pvalue;
+    int best;                         // its marker's column, from 0; -1 where there is none
+    std::span<const double> pvalues;  // of each column, the smallest of its models
+    std::span<const int> ranking;     // columns by rank; of the observed data set
+};
+
+// Keeps the record of data sets `first` .. `first` + `count` - 1, told in this order.
+class RunRecorder {
   public:
-    RunRecorder(int data_sets, int markers);
+    // observed[j]: as in RunRecord; needed where the observed data set is not among these.
+    RunRecorder(int first, int count, int markers, std::span<const double> observed);
 
-    void screened(const ScreenedView& view) override;
-    void modelled(const ModelledView& view) override;
+    void screened(const ScreenedView& view);
 
-    // Columns of the best markers by rank, for a run that did not screen.
-    void take_best(std::span<const int> best);
-
-    const RunRecord& record() const { return record_; }
+    RunRecord take() { return std::move(record_); }
 
   private:
+    int first_;
+    std::vector<double> observed_;
     RunRecord record_;
 };
 

@@ -37,11 +37,12 @@ class TableReader {
     bool next();
     // Column c of the line, from 0.
     std::string_view word(std::size_t c) const { return words_[c]; }
-    double number(std::size_t c) const;        // not a number for NA
-    long whole(std::size_t c, long na) const;  // `na` for NA
+    double number(std::size_t c) const;  // not a number for NA
+    // `na` for NA; other numbers are in the range.
+    long whole(std::size_t c, long na, long least, long most) const;
+    double share(std::size_t c) const;  // 0 to 1, or not a number for NA
 
   private:
-    bool next_line();
     [[noreturn]] void fail(std::string_view found, std::string_view expected) const;
 
     std::string path_;
@@ -51,7 +52,14 @@ class TableReader {
     long line_ = 0;
 };
 
-// The whole of a file, decompressed where its name ends with ".gz". Throws InputError.
+// The whole of a file, decompressed where it begins as a gzip file does. Throws InputError.
 std::string read_whole_file(const std::string& path);
+
+// The whole of a file as it is. Throws InputError, which says what was expected.
+std::string read_bytes(const std::string& path, const char* expected);
+
+// Brackets of a JSON text that are open at once, at most. Names may hold brackets, too: those in
+// strings nest nothing.
+int nesting_of(std::string_view json);
 
 }  // namespace vort

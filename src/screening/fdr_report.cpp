@@ -52,6 +52,10 @@ class FdrReport {
         }
     }
 
+    void finish() {
+        if (!file_.close()) stop("", 1);
+    }
+
   private:
     void put(const std::string& text) {
         transcript_ << text;
@@ -92,6 +96,7 @@ void write_fdr_report(const std::string& path, const MarkerPvalues& all,
     report.write_list(
         all.minimum, minimum_order, count, [&all](int number) { return all.minimum_model[number]; },
         MarkerTable::Numbering::kFromOne);
+    report.finish();
 }
 
 }  // namespace vort

@@ -26,8 +26,10 @@ std::vector<short> two_values(std::span<const short> phenotypes) {
 
 }  // namespace
 
-PhenotypeRows::PhenotypeRows(std::span<const short> observed)
-    : individuals_(static_cast<int>(observed.size())), values_(two_values(observed)) {
+PhenotypeRows::PhenotypeRows(std::span<const short> observed, Clusters clusters)
+    : individuals_(static_cast<int>(observed.size())),
+      clusters_(std::move(clusters)),
+      values_(two_values(observed)) {
     add(observed);
 }
 
@@ -79,7 +81,7 @@ void PhenotypeRows::permute(int count, Generator& generator, int threads) {
         Generator own = start;
         own.skip(r * n);
         std::vector<int> order(n);
-        draw_order(own, order);
+        RandomOrder().draw(own, clusters_, order);
         return order;
     };
     std::vector<short> shuffled(n);

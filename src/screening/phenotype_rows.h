@@ -1,8 +1,9 @@
 // The phenotypes of all data sets of a run.
 //
 // Row 0 is observed; every other row shuffles the one before it by a random order of the
-// individuals, n draws of the generator each. Where each row's draws begin is known beforehand, so
-// the orders are drawn side by side and only applied one after the other.
+// individuals, or of those of each cluster in turn, n draws of the generator each. Where each row's
+// draws begin is known beforehand, so the orders are drawn side by side and only applied one after
+// the other.
 //
 // A row takes one bit for each individual where the phenotypes have two values, as those of a
 // case-control study do, and two bytes otherwise.
@@ -12,14 +13,15 @@
 #include <span>
 #include <vector>
 
+#include "numeric/clusters.h"
 #include "numeric/generator.h"
 
 namespace vort {
 
 class PhenotypeRows {
   public:
-    // One row.
-    explicit PhenotypeRows(std::span<const short> observed);
+    // One row. Phenotypes are shuffled within the clusters of the individuals.
+    explicit PhenotypeRows(std::span<const short> observed, Clusters clusters = {});
 
     // Adds `count` rows, drawn from `generator` on, which is left behind the last draw.
     void permute(int count, Generator& generator, int threads);
@@ -29,6 +31,7 @@ class PhenotypeRows {
 
     int individuals() const { return individuals_; }
     int count() const { return count_; }
+    const Clusters& clusters() const { return clusters_; }
 
     // Row r, out[0 .. out.size()-1], at most `individuals()` of them.
     void row(int r, std::span<short> out) const;
@@ -47,6 +50,7 @@ class PhenotypeRows {
     void unpack_all();
 
     int individuals_;
+    Clusters clusters_;
     int count_ = 0;
     std::vector<short> values_;        // those of the bits 0 and 1; none where rows are not bits
     std::vector<std::uint64_t> bits_;  // row after row

@@ -73,6 +73,14 @@ class PreparedFile {
         return read;
     }
 
+    // A file that fails looks as if it were short.
+    void require_sound() {
+        if (input_.read_error() == 0) return;
+        say("files that could not be read", input_.line_number(),
+            "could not be read on (" + reason_text(input_.read_error()) + ')');
+        stop("", 1);
+    }
+
   private:
     void say(std::string_view kind, long line, const std::string& text) {
         diagnostics_.say(kind, path_, line, text);
@@ -82,6 +90,16 @@ class PreparedFile {
     TextInput input_;
     Diagnostics& diagnostics_;
 };
+
+// Everybody is one cluster where there are none.
+std::vector<int> cases_of_clusters(std::span<const short> phenotypes, const Clusters& clusters) {
+    std::vector<int> cases(static_cast<std::size_t>(clusters.none() ? 1 : clusters.count()));
+    for (std::size_t i = 0; i < phenotypes.size(); ++i) {
+        const int c = clusters.none() ? 0 : clusters.of(static_cast<int>(i));
+        if (phenotypes[i] == 1) ++cases[static_cast<std::size_t>(c)];
+    }
+    return cases;
+}
 
 }  // namespace
 
@@ -93,7 +111,8 @@ std::string prepared_file_name(const std::string& prefix, int data_set) {
 void write_prepared_file(const std::string& path, const Genotypes& genotypes,
                          std::span<const short> phenotypes, std::span<const int> best,
                          Diagnostics& diagnostics) {
-    OutputFile file(path, OutputFile::Mode::kTruncate, diagnostics);
+    remove_file(path);  // a link that has the name, not what it leads to
+    OutputFile file(path, OutputFile::Mode::kNew, diagnostics);
     if (!file.is_open()) stop("find error open f_prepare_data_for_VORT \n");
     for (const short phenotype : phenotypes) file << phenotype << ' ';
     file << '\n';
@@ -106,6 +125,9 @@ void write_prepared_file(const std::string& path, const Genotypes& genotypes,
         for (const int count : counts.controls.count) file << count << '\t';
         file << '\n';
     }
+    if (file.close()) return;
+    remove_file(path);
+    stop("", 1);
 }
 
 PreparedDataSet read_prepared_file(const std::string& path, int individuals, int best, int markers,
@@ -114,23 +136,32 @@ PreparedDataSet read_prepared_file(const std::string& path, int individuals, int
     PreparedDataSet read;
     read.phenotypes = file.phenotypes(individuals);
     read.best = file.ranking(best, markers);
+    file.require_sound();
     return read;
 }
 
-void require_prepared_for(const std::string& path, std::span<const short> observed, int best,
-                          int markers, bool is_observed) {
+void require_prepared_for(const std::string& path, std::span<const short> observed,
+                          const Clusters& clusters, int best, int markers, bool is_observed) {
     std::ostringstream told;
+    told.exceptions(std::ios::badbit);  // what is lost would be taken for nothing told
     Diagnostics diagnostics(told);
-    const PreparedDataSet read =
-        read_prepared_file(path, static_cast<int>(observed.size()), best, markers, diagnostics);
+    PreparedDataSet read;
+    try {
+        read =
+            read_prepared_file(path, static_cast<int>(observed.size()), best, markers, diagnostics);
+    } catch (const Stop& stop) {
+        const std::string text = told.str() + stop.text;
+        throw InputError{text.substr(0, text.find('\n'))};
+    }
     diagnostics.finish();
-    const auto cases = std::count(observed.begin(), observed.end(), 1);
     const bool same = is_observed ? std::ranges::equal(read.phenotypes, observed)
-                                  : std::ranges::count(read.phenotypes, short{1}) == cases;
+                                  : cases_of_clusters(read.phenotypes, clusters) ==
+                                        cases_of_clusters(observed, clusters);
     if (same && told.str().empty()) return;
     input_error(path, 0,
-                "is not of this study; one that --save-prepared made of the same individuals and "
-                "as many best markers expected");
+                std::string("is not of this study; one that --save-prepared made of the same "
+                            "individuals and as many best markers") +
+                    (clusters.none() ? "" : ", with the same --within,") + " expected");
 }
 
 }  // namespace vort

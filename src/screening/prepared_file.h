@@ -12,6 +12,7 @@
 
 #include "common/diagnostics.h"
 #include "genotypes/genotypes.h"
+#include "numeric/clusters.h"
 
 namespace vort {
 
@@ -34,8 +35,9 @@ PreparedDataSet read_prepared_file(const std::string& path, int individuals, int
                                    Diagnostics& diagnostics);
 
 // Throws InputError where a file is not one of this study: the phenotypes are others (of the
-// observed data set, or other than as many cases), or it has not so many sound marker lines.
-void require_prepared_for(const std::string& path, std::span<const short> observed, int best,
-                          int markers, bool is_observed);
+// observed data set, or other than as many cases in each cluster), or it has not so many sound
+// marker lines.
+void require_prepared_for(const std::string& path, std::span<const short> observed,
+                          const Clusters& clusters, int best, int markers, bool is_observed);
 
 }  // namespace vort

@@ -24,7 +24,6 @@
 #include "common/decimal_digits.h"
 #include "common/large_array.h"
 #include "common/parallel.h"
-#include "common/work_meter.h"
 #include "common/workspaces.h"
 #include "numeric/keyed_sort.h"
 #include "screening/fdr_report.h"
@@ -149,7 +148,6 @@ class Screening {
                 static_cast<int>(static_cast<std::ptrdiff_t>(observed.size()) - cases)};
     }
     std::size_t markers() const { return static_cast<std::size_t>(study_.genotypes.markers()); }
-    int batch_size() const;
     ScreenedDataSet rank(const Batch& batch, int first, int d);
     void report(int row, std::span<const KeyedIndex> ranked, ScreenedDataSet& out);
 
@@ -163,11 +161,6 @@ class Screening {
     Workspaces<Transcript> texts_;
 };
 
-int Screening::batch_size() const {
-    const double row = 8.0 * std::max<double>(static_cast<double>(markers()), 1);
-    return static_cast<int>(std::clamp<double>(options_.batch_bytes / row, 1, kMostAtOnce));
-}
-
 ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
     ScreenedDataSet out;
     out.transcript = texts_.borrow();
@@ -178,7 +171,7 @@ ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
         (*ranked)[j] = {minima[j], static_cast<int>(j) + 1};
     }
     const std::size_t kept = std::min(markers(), static_cast<std::size_t>(options_.kept));
-    const bool rank_all = options_.rank_all && first + d == 0;
+    const bool rank_all = options_.rank_all && options_.data_set + first + d == 0;
     const bool whole = options_.transcript || rank_all || !options_.fdr_report.empty();
     sort_keyed(*ranked, whole ? markers() : std::max<std::size_t>(kept, 1));
     out.pvalues = minima;
@@ -201,10 +194,10 @@ ScreenedDataSet Screening::rank(const Batch& batch, int first, int d) {
 
 void Screening::report(int row, std::span<const KeyedIndex> ranked, ScreenedDataSet& out) {
     if (!options_.prepared_prefix.empty()) {
-        write_prepared_file(prepared_file_name(options_.prepared_prefix, row), study_.genotypes,
-                            phenotypes_.row(row), out.best, diagnostics_);
+        write_prepared_file(prepared_file_name(options_.prepared_prefix, options_.data_set + row),
+                            study_.genotypes, phenotypes_.row(row), out.best, diagnostics_);
     }
-    if (row > 0 || options_.fdr_report.empty()) return;
+    if (options_.data_set + row > 0 || options_.fdr_report.empty()) return;
     std::vector<int> order{0};
     for (const KeyedIndex& item : ranked) order.push_back(item.index);
     write_fdr_report(options_.fdr_report, test_all_markers(study_.genotypes, phenotypes_.row(row)),
@@ -213,17 +206,18 @@ void Screening::report(int row, std::span<const KeyedIndex> ranked, ScreenedData
 
 void Screening::run(const TakeScreened& take) {
     const int rows = phenotypes_.count();
-    const int at_once = std::min(batch_size(), rows);
+    const int at_once = std::min(data_sets_at_once(static_cast<double>(markers()), options_),
+                                 rows - options_.first_row);
     LargeArray<double> minima(static_cast<std::size_t>(at_once) * markers());
-    WorkMeter meter(options_.work);
-    for (int first = 0; first < rows; first += at_once) {
+    WorkMeter meter(Stage::kScreen, options_.work);
+    for (int first = options_.first_row; first < rows; first += at_once) {
         Batch batch(study_, phenotypes_, first, std::min(at_once, rows - first), minima.data());
         batch.test(options_.threads, meter);
         for_each_in_order(
             options_.threads, static_cast<std::size_t>(batch.count()),
             [&](std::size_t d) { return rank(batch, first, static_cast<int>(d)); },
             [&](std::size_t d, ScreenedDataSet screened) {
-                take(first + static_cast<int>(d), std::move(screened));
+                take(options_.data_set + first + static_cast<int>(d), std::move(screened));
             });
     }
 }
@@ -233,6 +227,11 @@ void Screening::run(const TakeScreened& take) {
 MissingLimits missing_limits(GroupSizes sizes) {
     return {static_cast<int>(sizes.cases * kMissingShare),
             static_cast<int>(sizes.controls * kMissingShare)};
+}
+
+int data_sets_at_once(double markers, const ScreeningOptions& options) {
+    const double row = 8 * std::max(markers, 1.0);
+    return static_cast<int>(std::clamp<double>(options.batch_bytes / row, 1, kMostAtOnce));
 }
 
 double batch_bytes_for(double individuals, double markers) {

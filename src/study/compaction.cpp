@@ -51,26 +51,6 @@ std::size_t bytes_of(int individuals, std::size_t markers) {
     return packed_size(individuals) * markers;
 }
 
-// From a file into new memory, in stretches of some megabytes.
-Genotypes copied(const Genotypes& all, std::span<const int> rows, std::span<const int> columns,
-                 int threads) {
-    const auto kept = static_cast<int>(rows.size());
-    const std::vector<Run> runs = runs_of(rows);
-    const std::size_t stride = packed_size(kept);
-    LargeArray<unsigned char> out(bytes_of(kept, columns.size()));
-    const std::size_t size = std::max<std::size_t>(1, (std::size_t{4} << 20) / all.stride());
-    for_each_stretch(threads, columns.size(), size, [&](std::size_t begin, std::size_t end) {
-        for (std::size_t j = begin; j < end; ++j) {
-            pack_runs(all.column(columns[j]), runs, {out.data() + j * stride, stride});
-        }
-        const auto [first, last] =
-            std::minmax_element(columns.begin() + static_cast<std::ptrdiff_t>(begin),
-                                columns.begin() + static_cast<std::ptrdiff_t>(end));
-        all.let_go(*first, *last + 1);
-    });
-    return {kept, static_cast<int>(columns.size()), std::move(out)};
-}
-
 // Column j of the result is column order[j]; `order` is a permutation.
 void put_in_order(unsigned char* columns, std::size_t stride, std::span<const std::size_t> order) {
     std::vector<unsigned char> held(stride);
@@ -136,6 +116,26 @@ void pack_runs(std::span<const unsigned char> column, std::span<const Run> runs,
         append(column, run, out, packed);
         packed += run.size;
     }
+}
+
+// In stretches of some megabytes.
+Genotypes copied(const Genotypes& all, std::span<const int> rows, std::span<const int> columns,
+                 int threads) {
+    const auto kept = static_cast<int>(rows.size());
+    const std::vector<Run> runs = runs_of(rows);
+    const std::size_t stride = packed_size(kept);
+    LargeArray<unsigned char> out(bytes_of(kept, columns.size()));
+    const std::size_t size = std::max<std::size_t>(1, (std::size_t{4} << 20) / all.stride());
+    for_each_stretch(threads, columns.size(), size, [&](std::size_t begin, std::size_t end) {
+        for (std::size_t j = begin; j < end; ++j) {
+            pack_runs(all.column(columns[j]), runs, {out.data() + j * stride, stride});
+        }
+        const auto [first, last] =
+            std::minmax_element(columns.begin() + static_cast<std::ptrdiff_t>(begin),
+                                columns.begin() + static_cast<std::ptrdiff_t>(end));
+        all.let_go(*first, *last + 1);
+    });
+    return {kept, static_cast<int>(columns.size()), std::move(out)};
 }
 
 Genotypes compacted(Genotypes genotypes, std::span<const int> rows, std::span<const int> columns,

@@ -22,6 +22,10 @@ std::vector<Run> runs_of(std::span<const int> rows);
 void pack_runs(std::span<const unsigned char> column, std::span<const Run> runs,
                std::span<unsigned char> out);
 
+// The given rows (ascending) and columns (in any order), in memory of their own.
+Genotypes copied(const Genotypes& all, std::span<const int> rows, std::span<const int> columns,
+                 int threads);
+
 // The given rows (ascending) and columns (in any order) alone. What is left as it was is not
 // copied; owned genotypes are packed where they lie, those of a file into memory of their own.
 Genotypes compacted(Genotypes genotypes, std::span<const int> rows, std::span<const int> columns,

@@ -20,6 +20,7 @@ class RowNames {
   public:
     RowNames(const std::string& path, const ScreeningSettings& settings)
         : path_(path), has_name_(settings.record == 1), input_(path) {
+        require_open(input_, path_);
         if (settings.head != 1) return;
         std::string title;
         const int titles = settings.markers + (has_name_ ? 2 : 1);
@@ -124,8 +125,11 @@ class DirectoryReader : public CohortReader {
     // A genotype takes a character at least, so the sizes cannot ask for much more memory than the
     // file has bytes.
     void require_room() const {
-        require_readable(data_);
         std::error_code failure;
+        if (std::filesystem::is_other(data_, failure)) {
+            input_error(data_, 0, "is a pipe or a device; a file expected, which is read twice");
+        }
+        require_readable(data_);
         const auto size = std::filesystem::file_size(data_, failure);
         const std::uintmax_t least = static_cast<std::uintmax_t>(settings_.individuals) *
                                      (static_cast<std::uintmax_t>(settings_.markers) + 1);
@@ -139,6 +143,7 @@ class DirectoryReader : public CohortReader {
 
     Genotypes load_genotypes() const {
         std::ostringstream told;
+        told.exceptions(std::ios::badbit);  // what is lost would be taken for nothing told
         try {
             Diagnostics diagnostics(told);
             Transcript nobody(false);

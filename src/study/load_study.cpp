@@ -12,6 +12,7 @@
 #include "study/person_names.h"
 #include "study/phenotype.h"
 #include "study/rate_filters.h"
+#include "study/within.h"
 #include "study/word_lines.h"
 
 namespace vort {
@@ -36,12 +37,13 @@ std::unique_ptr<CohortReader> reader_for(const StudyRequest& request, Study& stu
 struct Census {
     People people;
     Phenotypes phenotypes;
+    ClusterLabels clusters;
     std::vector<int> wanted;
     Study told;  // by --keep and --remove, which come after the choice of markers
 };
 
 Census take_census(CohortReader& reader, const StudyRequest& request, Study& study) {
-    Census census{reader.people(), {}, {}, {}};
+    Census census{reader.people(), {}, {}, {}, {}};
     study.individuals_read = static_cast<long>(census.people.all.size());
     const PersonNames names(census.people);
     PhenotypeSource source = request.phenotype;
@@ -49,7 +51,10 @@ Census take_census(CohortReader& reader, const StudyRequest& request, Study& stu
         source.control_is_0 = true;
     }
     census.phenotypes = read_phenotypes(census.people, names, source, study);
-    require_both_groups(census.phenotypes.file, census.phenotypes.values, true);
+    if (!source.optional) {
+        require_both_groups(census.phenotypes.file, census.phenotypes.values, true);
+    }
+    census.clusters = read_cluster_labels(request.within, names, census.people.all.size(), study);
     census.wanted = chosen_people(census.people, names, request.filters, census.told);
     return census;
 }
@@ -65,6 +70,7 @@ Members members_of(Census& census) {
         const auto place = static_cast<std::size_t>(i);
         members.people.push_back(std::move(census.people.all[place]));
         members.phenotypes.push_back(census.phenotypes.values[place]);
+        members.clusters.push_back(census.clusters.labels[place]);
     }
     return members;
 }
@@ -83,10 +89,28 @@ const std::string& file_of_markers(const StudyFiles& files) {
     return files.directory;
 }
 
-void require_markers(const Cohort& cohort, const StudyFiles& files) {
+void require_markers(const Cohort& cohort, const StudyRequest& request) {
     if (!cohort.markers.empty()) return;
-    input_error(file_of_markers(files), 0,
-                "no marker is left; at least one expected; loosen the filters");
+    input_error(file_of_markers(request.files), 0,
+                request.only_markers
+                    ? "none of the markers is there by its name; at least one expected, called as "
+                      "in the model"
+                    : "no marker is left; at least one expected; loosen the filters");
+}
+
+void require_people(const Members& members, const Census& census) {
+    if (!members.people.empty()) return;
+    input_error(census.people.file, 0,
+                "no individual is left; at least one expected; loosen the filters");
+}
+
+void drop_unphenotyped(const Census& census, Cohort& cohort, Members& members, Study& study) {
+    leave_out(
+        study, LeftOut::What::kIndividuals,
+        members.take_out(cohort.rows,
+                         [&](std::size_t i) { return members.phenotypes[i] == kNoPhenotype; }),
+        "no phenotype");
+    require_both_groups(census.phenotypes.file, members.phenotypes, false);
 }
 
 // By chromosome and position; those at one place stay as they are.
@@ -188,7 +212,7 @@ std::vector<int> first_numbers(std::size_t count) {
 Study load_study(const StudyRequest& request) {
     Study study;
     const std::unique_ptr<CohortReader> reader = reader_for(request, study);
-    MarkerChoice choice(request.filters, study);
+    MarkerChoice choice(request, study);
     Census census = take_census(*reader, request, study);
     Cohort cohort = reader->read(census.wanted, choice, study);
     choice.tell(study);
@@ -196,19 +220,19 @@ Study load_study(const StudyRequest& request) {
     append_moved(study.notes, census.told.notes);
     append_moved(study.inputs, census.told.inputs);
     Members members = members_of(census);
-    require_markers(cohort, request.files);
+    require_markers(cohort, request);
     apply_rate_filters(request.filters, request.threads, cohort, members, study);
-    require_markers(cohort, request.files);
-    leave_out(
-        study, LeftOut::What::kIndividuals,
-        members.take_out(cohort.rows,
-                         [&](std::size_t i) { return members.phenotypes[i] == kNoPhenotype; }),
-        "no phenotype");
-    require_both_groups(census.phenotypes.file, members.phenotypes, false);
+    require_markers(cohort, request);
+    if (request.phenotype.optional) {
+        require_people(members, census);
+    } else {
+        drop_unphenotyped(census, cohort, members, study);
+    }
     sort_markers(cohort, study);
     tell_duplicate_names(cohort.markers, study);
     tell_sex_chromosomes(cohort.markers, study);
     fill(study, cohort, members, request.threads);
+    take_clusters(request.within, {census.clusters.column, std::move(members.clusters)}, study);
     return study;
 }
 

@@ -31,20 +31,22 @@ void MarkerChoice::NameList::tell_unmet(Study& study) const {
                           (unmet == 1 ? " is" : " are") + " not among the markers.");
 }
 
-MarkerChoice::MarkerChoice(const Filters& filters, Study& study)
-    : chr_(filters.chromosomes),
-      extracts_(!filters.extract.empty()),
-      excludes_(!filters.exclude.empty()) {
+MarkerChoice::MarkerChoice(const StudyRequest& request, Study& study)
+    : only_(request.only_markers),
+      chr_(request.filters.chromosomes),
+      extracts_(!request.filters.extract.empty()),
+      excludes_(!request.filters.exclude.empty()) {
     if (chr_.empty()) {
         chromosomes_.set();
     } else {
         chromosomes_ = chromosomes_of(chr_);
     }
-    extract_.read(filters.extract, "extract", study);
-    exclude_.read(filters.exclude, "exclude", study);
+    extract_.read(request.filters.extract, "extract", study);
+    exclude_.read(request.filters.exclude, "exclude", study);
 }
 
 bool MarkerChoice::takes(const MarkerInfo& marker) {
+    if (only_ && !only_->contains(marker.name)) return false;
     long* fault = nullptr;
     if (marker.chromosome == 0) {
         fault = &no_chromosome_;

@@ -12,11 +12,11 @@
 
 namespace vort {
 
-// Chromosome, position, --chr, --extract and --exclude, in this order.
+// The request's own list, then chromosome, position, --chr, --extract and --exclude.
 class MarkerChoice {
   public:
-    // Reads the lists of names, which are told as inputs of `study`.
-    MarkerChoice(const Filters& filters, Study& study);
+    // Reads the lists of names, which are told as inputs of `study`. The request is not owned.
+    MarkerChoice(const StudyRequest& request, Study& study);
 
     // Counts the marker.
     bool takes(const MarkerInfo& marker);
@@ -38,6 +38,7 @@ class MarkerChoice {
         void tell_unmet(Study& study) const;
     };
 
+    const std::optional<std::set<std::string>>& only_;
     std::string chr_;
     ChromosomeSet chromosomes_;
     NameList extract_{"--extract", {}};

@@ -9,15 +9,14 @@
 
 namespace vort {
 
-constexpr short kNoPhenotype = -1;
-
 struct Phenotypes {
     std::string file;           // that they come from
     std::vector<short> values;  // of each person: 1 case, 0 control, kNoPhenotype
 };
 
 // From the study's own column, or the source's file. Told to `study`. Throws InputError for a value
-// that is none, an individual that is there twice, and 0/1 coding taken for 1/2.
+// that is none, an individual that is there twice, 0/1 coding taken for 1/2, and a study without
+// such a column, unless phenotypes are optional.
 Phenotypes read_phenotypes(const People& people, const PersonNames& names,
                            const PhenotypeSource& source, Study& study);
 

@@ -26,6 +26,7 @@ namespace vort {
 struct Members {
     std::vector<Person> people;
     std::vector<short> phenotypes;  // 1 case, 0 control, kNoPhenotype
+    std::vector<int> clusters;      // labels, as in Clusters
 
     // Takes those out, and their rows, that `gone` (of a place) tells.
     template <typename Gone>
@@ -40,6 +41,7 @@ long Members::take_out(std::vector<int>& rows, Gone gone) {
         if (left < i) {
             people[left] = std::move(people[i]);
             phenotypes[left] = phenotypes[i];
+            clusters[left] = clusters[i];
             rows[left] = rows[i];
         }
         ++left;
@@ -47,6 +49,7 @@ long Members::take_out(std::vector<int>& rows, Gone gone) {
     const auto count = static_cast<long>(people.size() - left);
     people.resize(left);
     phenotypes.resize(left);
+    clusters.resize(left);
     rows.resize(left);
     return count;
 }

@@ -3,7 +3,6 @@
 // (genotypes/strip_packer.h).
 #include <algorithm>
 #include <array>
-#include <cstring>
 
 #include "common/characters.h"
 #include "common/input_error.h"
@@ -29,7 +28,9 @@ struct RawRow {
 // Lines that are not empty.
 class RawLines {
   public:
-    explicit RawLines(const std::string& path) : path_(path), input_(path) {}
+    explicit RawLines(const std::string& path) : path_(path), input_(path) {
+        require_open(input_, path_);
+    }
 
     bool next(RawRow& row) {
         do {
@@ -37,9 +38,8 @@ class RawLines {
             row.line = input_.line_number();
             if (!input_.append_line(row.text)) {
                 if (input_.read_error() == 0) return false;
-                input_error(
-                    path_, row.line,
-                    std::string("cannot be read (") + std::strerror(input_.read_error()) + ')');
+                input_error(path_, row.line,
+                            "cannot be read (" + reason_text(input_.read_error()) + ')');
             }
         } while (
             std::all_of(row.view().begin(), row.view().end(), [](char c) { return is_space(c); }));

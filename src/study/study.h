@@ -6,11 +6,13 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "genotypes/genotypes.h"
 #include "genotypes/marker_info.h"
+#include "numeric/clusters.h"
 
 namespace vort {
 
@@ -34,7 +36,16 @@ struct PhenotypeSource {
     std::string file;           // FID IID columns, a header or not; empty: the study's own column
     std::string name;           // of the column; empty: the third
     bool control_is_0 = false;  // 0 control, 1 case, instead of 1 and 2
+    bool optional = false;      // who has none stays, and so does a study in which nobody has one
 };
+
+// Clusters that permuted phenotypes keep to.
+struct ClusterSource {
+    std::string file;  // FID IID columns, a header or not; empty: there are none
+    std::string name;  // of the column; empty: the third
+};
+
+constexpr short kNoPhenotype = -1;
 
 // With PLINK 1.9's definitions and order, so that its counts are met.
 struct Filters {
@@ -48,6 +59,9 @@ struct StudyRequest {
     StudyFiles files;
     PhenotypeSource phenotype;
     Filters filters;
+    ClusterSource within;
+    // Only markers of these names, the others not even counted as left out.
+    std::optional<std::set<std::string>> only_markers;
     int threads = 1;
 };
 
@@ -72,15 +86,26 @@ struct StudyParameters {
     double fdr = 0;
 };
 
+struct WithinAccount {
+    std::string file;
+    std::string column;       // its title; empty where the file has no header
+    long clusters = 0;        // of the individuals analysed
+    long fixed = 0;           // of these without both cases and controls
+    long unassigned = 0;      // individuals in none
+    std::vector<int> labels;  // of the individuals, as Clusters take them
+};
+
 struct InputFile {
-    std::string role;  // "bed", "bim", "fam", "vcf", "raw", "phenotype", "keep", ...
+    std::string role;  // "bed", "bim", "fam", "vcf", "raw", "phenotype", "within", "keep", ...
     std::string path;
 };
 
 struct Study {
     Genotypes genotypes;            // individuals x markers; mapped where a .bed is taken as it is
-    std::vector<short> phenotypes;  // 1 case, 0 control
+    std::vector<short> phenotypes;  // 1 case, 0 control; kNoPhenotype where they are optional
     std::vector<Individual> individuals;
+    Clusters clusters;  // of the individuals, those in none alone; none without --within
+    std::optional<WithinAccount> within;
     std::vector<MarkerInfo> markers;  // in ascending order of chromosome and position
 
     long individuals_read = 0;
@@ -90,6 +115,12 @@ struct Study {
     std::vector<InputFile> inputs;   // every file that was read
     std::optional<StudyParameters> parameters;  // of a directory
 };
+
+// Every file that a request names, whether it is there or not; of a study directory all but the
+// data set, whose name stands in one of them.
+std::vector<std::string> named_files(const StudyRequest& request);
+
+std::vector<std::string> paths_of(const std::vector<InputFile>& files);
 
 // Input that cannot be used throws InputError.
 Study load_study(const StudyRequest& request);

@@ -1,13 +1,16 @@
 // Genotypes lie column after column and are written row after row: sixteen rows at a time, so that
 // each visit to a column yields four bytes of it.
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <stdexcept>
+#include <unordered_set>
 
 #include "common/characters.h"
+#include "common/file_descriptor.h"
 #include "common/number_text.h"
 #include "common/transcript.h"
 #include "study/study_directory.h"
@@ -18,25 +21,35 @@ namespace {
 
 class CheckedFile {
   public:
-    explicit CheckedFile(std::string path) : path_(std::move(path)), stream_(path_) { check(); }
+    explicit CheckedFile(std::string path)
+        : path_(std::move(path)), file_(path_, O_WRONLY | O_CREAT | O_TRUNC) {
+        check(file_.is_open());
+    }
 
     void write(std::string_view text) {
-        stream_.write(text.data(), static_cast<std::streamsize>(text.size()));
-        check();
+        constexpr std::size_t kAtOnce = std::size_t{1} << 16;
+        pending_.append(text);
+        if (pending_.size() >= kAtOnce) hand_on();
     }
     void close() {
-        stream_.close();
-        check();
+        hand_on();
+        check(file_.close());
     }
 
   private:
-    void check() const {
-        if (stream_) return;
-        throw std::runtime_error(path_ + ": cannot be written (" + std::strerror(errno) + ')');
+    void hand_on() {
+        check(file_.write(pending_));
+        pending_.clear();
+    }
+    void check(bool done) const {
+        if (done) return;
+        throw std::runtime_error(path_ + ": cannot be written (" + std::strerror(file_.error()) +
+                                 ')');
     }
 
     std::string path_;
-    std::ofstream stream_;
+    FileDescriptor file_;
+    std::string pending_;
 };
 
 // One word, whatever the name.
@@ -112,6 +125,15 @@ void write_marker_table(const Study& study, const std::string& path) {
 
 }  // namespace
 
+long shared_identifiers(const Study& study) {
+    std::unordered_set<std::string> seen;
+    long shared = 0;
+    for (const Individual& individual : study.individuals) {
+        shared += seen.insert(identifier(individual)).second ? 0 : 1;
+    }
+    return shared;
+}
+
 std::string parameter_text(const StudyParameters& parameters, int individuals, int markers) {
     Transcript text(true);
     text << "Inputfile\t\t\t\t\tdat1.txt\n"
@@ -130,9 +152,10 @@ std::string parameter_text(const StudyParameters& parameters, int individuals, i
 
 void write_study_directory(const Study& study, const std::string& parameter_text,
                            const std::string& folder) {
-    write_data_set(study, folder + "/dat1.txt");
-    write_marker_table(study, folder + "/Chromosome_SNP_Name.txt");
-    CheckedFile file(folder + "/parameter.txt");
+    const std::filesystem::path in(folder);
+    write_data_set(study, in / "dat1.txt");
+    write_marker_table(study, in / "Chromosome_SNP_Name.txt");
+    CheckedFile file(in / "parameter.txt");
     file.write(parameter_text);
     file.close();
 }

@@ -3,7 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
+#include <filesystem>
 #include <limits>
 #include <sstream>
 
@@ -60,8 +60,13 @@ void check_rule(const Rule& rule, const ParameterFile& file, const std::string& 
     input_error(path, 0, std::string(rule.name) + " is not given; " + rule.expected + " expected");
 }
 
+// A study from elsewhere has no say in which other files are read.
+bool is_within(const std::filesystem::path& name) {
+    return !name.is_absolute() && std::ranges::find(name, "..") == name.end();
+}
+
 void check_input_file(const ParameterFile& file, const std::string& path) {
-    std::string name;
+    std::filesystem::path name;
     for (const ParameterEntry& entry : file.dispatched()) {
         if (parameter_of(entry.name) == Parameter::kReplicates) {
             input_error(path, entry.line,
@@ -69,7 +74,13 @@ void check_input_file(const ParameterFile& file, const std::string& path) {
                             " would be taken as Number_of_permutation by the screening "
                             "alone; that name expected; correct it");
         }
-        if (parameter_of(entry.name) == Parameter::kInputFile) name = entry.text;
+        if (parameter_of(entry.name) != Parameter::kInputFile) continue;
+        name = entry.text;
+        if (!is_within(name)) {
+            input_error(path, entry.line,
+                        "Inputfile " + entry.text +
+                            " is outside of the study directory; a file in it expected");
+        }
     }
     if (name.empty()) input_error(path, 0, "Inputfile is not given; the data set's name expected");
 }
@@ -88,10 +99,11 @@ void note_oddities(const ParameterFile& file, Study& study) {
 }  // namespace
 
 Settings read_study_parameters(const std::string& path, Study& study) {
-    require_readable(path);
-    std::ostringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    ParameterFile file = parse_parameters(text.str());
+    std::string text = read_text(path);
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        input_error(path, 1, "begins with a byte order mark; save it as UTF-8 without one");
+    }
+    ParameterFile file = parse_parameters(std::move(text));
     check_input_file(file, path);
     for (const Rule& rule : kRules) check_rule(rule, file, path);
     note_oddities(file, study);

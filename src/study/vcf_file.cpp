@@ -3,10 +3,16 @@
 // before they are asked for.
 #include "study/vcf_file.h"
 
+#include <fcntl.h>
+#include <htslib/hfile.h>
 #include <htslib/hts_log.h>
 #include <htslib/kseq.h>
 #include <htslib/vcf.h>
 
+#include <cerrno>
+#include <new>
+
+#include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "study/chromosome_names.h"
 #include "study/vcf_line.h"
@@ -17,10 +23,28 @@ namespace vort {
 namespace {
 
 struct Release {
+    void operator()(hFILE* file) const { hclose_abruptly(file); }
     void operator()(htsFile* file) const { hts_close(file); }
     void operator()(bcf_hdr_t* header) const { bcf_hdr_destroy(header); }
     void operator()(bcf1_t* record) const { bcf_destroy(record); }
 };
+
+// Null where the file is neither VCF nor BCF. The library would take some names for addresses, and
+// some files for tickets that name others, here or on other machines: so it gets a descriptor, and
+// only of a file that is what it should be.
+htsFile* open_local(const std::string& path) {
+    FileDescriptor descriptor(path, O_RDONLY);
+    if (!descriptor.is_open()) return nullptr;
+    std::unique_ptr<hFILE, Release> file(hdopen(descriptor.number(), "r"));
+    if (file == nullptr) return nullptr;
+    descriptor.release();
+    htsFormat format{};
+    if (hts_detect_format(file.get(), &format) < 0) return nullptr;
+    if (format.format != vcf && format.format != bcf) return nullptr;
+    htsFile* const opened = hts_hopen(file.get(), path.c_str(), "r");
+    if (opened != nullptr) static_cast<void>(file.release());
+    return opened;
+}
 
 MarkerInfo marker_of(std::string_view contig, std::string_view name, long position,
                      std::string_view alternative, std::string_view reference) {
@@ -39,17 +63,19 @@ MarkerInfo marker_of(std::string_view contig, std::string_view name, long positi
 class VcfFile::File {
   public:
     File(std::string path, int threads) : path_(std::move(path)) {
-        require_readable(path_);  // here, so that a name is never taken for an address
+        require_readable(path_);
         hts_set_log_level(HTS_LOG_OFF);
-        file_.reset(hts_open(path_.c_str(), "r"));
-        if (file_ == nullptr || !(is_text() || format() == bcf)) {
-            fail("is no VCF or BCF file; one of the two expected");
-        }
+        errno = 0;
+        file_.reset(open_local(path_));
+        if (file_ == nullptr && errno == ENOMEM) throw std::bad_alloc();
+        if (file_ == nullptr) fail("is no VCF or BCF file; one of the two expected");
         if (hts_check_EOF(file_.get()) == 0) {
             fail("is cut short; the block that ends a bgzipped file expected; copy it again");
         }
         if (threads > 1) hts_set_threads(file_.get(), threads - 1);
+        errno = 0;
         header_.reset(bcf_hdr_read(file_.get()));
+        if (header_ == nullptr && errno == ENOMEM) throw std::bad_alloc();
         record_.reset(bcf_init());
         if (header_ == nullptr) fail("has no header that can be read; that of a VCF expected");
         if (record_ == nullptr) throw std::bad_alloc();

@@ -1,22 +1,11 @@
 #include "study/word_lines.h"
 
 #include <charconv>
-#include <cstring>
 
 #include "common/characters.h"
 #include "common/input_error.h"
 
 namespace vort {
-
-namespace {
-
-void require_open(const TextInput& input, const std::string& path) {
-    if (input.is_open()) return;
-    input_error(path, 0,
-                std::string("cannot be opened (") + std::strerror(input.open_error()) + ')');
-}
-
-}  // namespace
 
 std::size_t split_words(std::string_view text, std::size_t most,
                         std::vector<std::string_view>& words) {
@@ -44,7 +33,7 @@ bool WordLines::next() {
         line_ = input_.line_number();
         if (!input_.line(text)) {
             if (input_.read_error() == 0) return false;
-            fail(std::string("cannot be read (") + std::strerror(input_.read_error()) + ')');
+            fail("cannot be read (" + reason_text(input_.read_error()) + ')');
         }
         // Editors put a byte order mark in front, which nobody sees.
         constexpr std::string_view kMark = "\xEF\xBB\xBF";
@@ -66,6 +55,21 @@ void WordLines::require_at_least(std::size_t count) const {
 
 void WordLines::fail(const std::string& what) const {
     input_error(path_, line_, what);
+}
+
+void require_open(const TextInput& input, const std::string& path) {
+    if (input.is_open()) return;
+    input_error(path, 0, "cannot be opened (" + reason_text(input.open_error()) + ')');
+}
+
+std::string read_text(const std::string& path) {
+    TextInput input(path);
+    require_open(input, path);
+    std::string text = input.rest();
+    if (input.read_error() != 0) {
+        input_error(path, 0, "cannot be read (" + reason_text(input.read_error()) + ')');
+    }
+    return text;
 }
 
 void require_readable(const std::string& path) {

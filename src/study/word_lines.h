@@ -47,7 +47,10 @@ class WordLines {
     long line_ = 0;
 };
 
-// Throws InputError where the file cannot be opened for reading.
+// Throw InputError where the file cannot be opened for reading. Files that are read twice are asked
+// twice: there may be no descriptor left by then.
+void require_open(const TextInput& input, const std::string& path);
+std::string read_text(const std::string& path);
 void require_readable(const std::string& path);
 
 // A whole number; false where the text is none.

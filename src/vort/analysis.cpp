@@ -9,8 +9,8 @@
 #include "csm/pair_search.h"
 #include "ensemble/ensemble_stage.h"
 #include "ensemble/final_report.h"
-#include "screening/prepared_file.h"
 #include "screening/screening.h"
+#include "vort/report_files.h"
 
 namespace vort {
 
@@ -20,177 +20,131 @@ namespace {
 class Analysis {
   public:
     Analysis(StudyData& study, const Settings& settings, const AnalysisOptions& options,
-             const Console& console, Diagnostics& diagnostics, Observer& observer)
+             const Console& console, Diagnostics& diagnostics)
         : study_(study),
           settings_(settings),
           options_(options),
           console_(console),
           diagnostics_(diagnostics),
-          observer_(observer),
-          phenotypes_(study.phenotypes) {}
+          phenotypes_(study.phenotypes, study.clusters) {}
 
     Result run() {
-        if (options_.prepared.empty()) {
-            screen();
-        } else {
-            take_prepared_files();
-        }
-        introduce_ensemble();
+        screen();
+        Transcript introduction(options_.console);
+        introduce_ensemble(settings_, diagnostics_, introduction);
+        say(introduction);
         return model_and_report();
     }
 
   private:
     void say(const Transcript& text) const { console_(text.text()); }
-    int permutations() const { return settings_.screening.permutations; }
-    // Best markers that the builder may ask for.
-    int kept() const {
-        return std::min({std::max(settings_.builder.usable_markers(), settings_.report.markers),
-                         study_.genotypes.markers()});
-    }
 
     void screen();
-    void take_prepared_files();
-    void introduce_ensemble();
-    EnsembleOptions ensemble_options();
     Result model_and_report();
     void leave(const IntermediateTexts& texts);
-    void write(const char* name, OutputFile::Mode mode, const std::string& text);
-    void write_pvalues(const Result& result);
-    void write_report(const Result& result);
-    OutputFile open(const char* name, OutputFile::Mode mode) {
-        return OutputFile(options_.folder + name, mode, diagnostics_);
-    }
+    void write(const char* name, const std::string& text);
 
     StudyData& study_;
     const Settings& settings_;
     const AnalysisOptions& options_;
     const Console& console_;
     Diagnostics& diagnostics_;
-    Observer& observer_;
     PhenotypeRows phenotypes_;
     std::vector<std::vector<int>> best_;  // of each data set, columns by rank
 };
 
 void Analysis::screen() {
     Generator generator;
-    phenotypes_.permute(permutations(), generator, options_.threads);
-    ScreeningOptions screening;
-    screening.threads = options_.threads;
-    screening.transcript = options_.console;
-    screening.kept = kept();
-    screening.rank_all = options_.rank_all;
-    screening.work = [this](double done) { observer_.working(Stage::kScreen, done); };
-    screening.batch_bytes =
-        batch_bytes_for(study_.genotypes.individuals(), study_.genotypes.markers());
-    if (options_.fdr_report) screening.fdr_report = options_.folder + "FDR_results.txt";
-    screening.prepared_prefix = options_.save_prepared;
-    screen_data_sets(study_.genotypes, phenotypes_, study_.markers, screening, diagnostics_,
-                     [&](int d, ScreenedDataSet&& screened) {
+    phenotypes_.permute(settings_.screening.permutations, generator, options_.threads);
+    screen_data_sets(study_.genotypes, phenotypes_, study_.markers,
+                     screening_options(study_, settings_, options_), diagnostics_,
+                     [&](int, ScreenedDataSet&& screened) {
                          say(*screened.transcript);
-                         observer_.screened({d, phenotypes_.count(), screened.smallest_pvalue,
-                                             screened.best.empty() ? -1 : screened.best.front(),
-                                             screened.pvalues, screened.ranking});
                          best_.push_back(std::move(screened.best));
                      });
 }
 
-void Analysis::take_prepared_files() {
-    for (int d = 0; d <= permutations(); ++d) {
-        PreparedDataSet read = read_prepared_file(prepared_file_name(options_.prepared, d),
-                                                  study_.genotypes.individuals(), kept(),
-                                                  study_.genotypes.markers(), diagnostics_);
-        if (d == 0) {
-            study_.phenotypes = read.phenotypes;
-            phenotypes_ = PhenotypeRows(read.phenotypes);
-        } else {
-            phenotypes_.add(read.phenotypes);
-        }
-        best_.push_back(std::move(read.best));
-    }
-}
-
-// What the report and the builder say of their looks at the parameters.
-void Analysis::introduce_ensemble() {
-    Transcript out(options_.console);
-    print_warnings(settings_.file, out);
-    print_warnings(settings_.file, out);
-    say(out);
-    out.clear();
-    const double m = settings_.builder.usable_markers();
-    if (m / 2.0 * (m - 1.0) > INT_MAX) {
-        diagnostics_.say("sizes out of range", kParameterFileName, 0,
-                         "Best_m: at most 65536 was expected, not " +
-                             std::to_string(settings_.builder.markers) +
-                             "; the pairs of more markers cannot be numbered");
-        stop("");
-    }
-    out << "test_method=newCSM\n";
-    say(out);
-}
-
-EnsembleOptions Analysis::ensemble_options() {
+Result Analysis::model_and_report() {
     EnsembleOptions ensemble;
     ensemble.threads = options_.threads;
     ensemble.transcript = options_.console;
     ensemble.console = console_;
-    ensemble.progress = [this](int d, double statistic, int learners) {
-        observer_.modelled({d, settings_.builder.permutations + 1, statistic, learners});
-    };
-    ensemble.work = [this](double done) { observer_.working(Stage::kModel, done); };
-    return ensemble;
-}
-
-Result Analysis::model_and_report() {
-    EnsembleStage stage({study_.genotypes, phenotypes_, best_}, settings_, ensemble_options());
+    EnsembleStage stage({study_.genotypes, phenotypes_, best_}, settings_, ensemble);
     try {
         Result result = stage.run();
-        write_pvalues(result);
         stage.print_markers(result);
-        write_report(result);
+        write_final_reports(study_, settings_, result, options_, console_, diagnostics_);
         return result;
-    } catch (const Stop&) {
-        leave(stage.intermediate_texts());
+    } catch (const Stop& stop) {
+        if (stop.status == 0) leave(stage.intermediate_texts());
         throw;
     }
 }
 
+// Ends that the data bring about have always left the tables that the last model was made of.
 void Analysis::leave(const IntermediateTexts& texts) {
-    if (!texts.design.empty()) {
-        open("output_X_Y.txt", OutputFile::Mode::kTruncate) << texts.design;
-    }
-    if (!texts.coefficients.empty()) {
-        open("beta.txt", OutputFile::Mode::kTruncate) << texts.coefficients;
-    }
+    if (!texts.design.empty()) write("output_X_Y.txt", texts.design);
+    if (!texts.coefficients.empty()) write("beta.txt", texts.coefficients);
 }
 
-void Analysis::write(const char* name, OutputFile::Mode mode, const std::string& text) {
-    OutputFile file = open(name, mode);
+void Analysis::write(const char* name, const std::string& text) {
+    const std::string path = options_.folder + name;
+    OutputFile file(path, OutputFile::Mode::kTruncate, diagnostics_);
     file << text;
-    if (!file.close() && options_.require_files) stop("", 1);
-}
-
-void Analysis::write_pvalues(const Result& result) {
-    OutputFile file = open("P_value.txt", OutputFile::Mode::kTruncate);
-    if (!file.is_open()) stop("", options_.require_files ? 1 : 0);
-    file << pvalue_text(result);
-    if (!file.close() && options_.require_files) stop("", 1);
-}
-
-// The names come last: a marker table that cannot be used stops the run behind the report.
-void Analysis::write_report(const Result& result) {
-    Transcript echo(options_.console);
-    write("Final_result.txt", OutputFile::Mode::kTruncate,
-          report_text({settings_, study_.genotypes, study_.phenotypes}, result, echo));
-    say(echo);
-    write("Final_result.txt", OutputFile::Mode::kAppend,
-          marker_names_text(settings_, result, study_.markers));
+    if (!file.close()) remove_file(path);
 }
 
 }  // namespace
 
+ScreeningOptions screening_options(const StudyData& study, const Settings& settings,
+                                   const AnalysisOptions& options) {
+    ScreeningOptions screening;
+    screening.threads = options.threads;
+    screening.transcript = options.console;
+    // As many as the builder or the report may ask for.
+    screening.kept = std::min({std::max(settings.builder.usable_markers(), settings.report.markers),
+                               study.genotypes.markers()});
+    screening.batch_bytes =
+        batch_bytes_for(study.genotypes.individuals(), study.genotypes.markers());
+    return screening;
+}
+
+// The report and the builder look at the parameters, each for itself.
+void introduce_ensemble(const Settings& settings, Diagnostics& diagnostics, Transcript& out) {
+    print_warnings(settings.file, out);
+    print_warnings(settings.file, out);
+    const double m = settings.builder.usable_markers();
+    if (m / 2.0 * (m - 1.0) > INT_MAX) {
+        diagnostics.say("sizes out of range", kParameterFileName, 0,
+                        "Best_m: at most 65536 was expected, not " +
+                            std::to_string(settings.builder.markers) +
+                            "; the pairs of more markers cannot be numbered");
+        stop(std::string(out.text()));
+    }
+    out << "test_method=newCSM\n";
+}
+
+// The names come last: a marker table that cannot be used stops the run behind the report, which is
+// left without them.
+void write_final_reports(const StudyData& study, const Settings& settings, const Result& result,
+                         const AnalysisOptions& options, const Console& console,
+                         Diagnostics& diagnostics) {
+    Transcript echo(options.console);
+    ReportTexts texts{pvalue_text(result),
+                      report_text({settings, study.genotypes, study.phenotypes}, result, echo)};
+    console(echo.text());
+    try {
+        texts.report += marker_names_text(settings, result, study.markers);
+    } catch (const Stop&) {
+        write_reports(texts, options.folder, diagnostics);
+        throw;
+    }
+    write_reports(texts, options.folder, diagnostics);
+}
+
 Result analyse(StudyData& study, const Settings& settings, const AnalysisOptions& options,
-               const Console& console, Diagnostics& diagnostics, Observer& observer) {
-    return Analysis(study, settings, options, console, diagnostics, observer).run();
+               const Console& console, Diagnostics& diagnostics) {
+    return Analysis(study, settings, options, console, diagnostics).run();
 }
 
 }  // namespace vort

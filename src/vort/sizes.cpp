@@ -24,13 +24,10 @@ void check_counts(const ScreeningSettings& asked, Diagnostics& diagnostics) {
 
 }  // namespace
 
-void check_sizes(const Settings& settings, const AnalysisOptions& options, bool mapped,
-                 Diagnostics& diagnostics) {
-    const ScreeningSettings& asked = settings.screening;
-    check_counts(asked, diagnostics);
-    const double individuals = asked.individuals;
-    const double markers = asked.markers;
-    const double data_sets = asked.permutations + 1.0;
+double analysis_bytes(const Settings& settings, const AnalysisOptions& options, bool mapped,
+                      double data_sets) {
+    const double individuals = settings.screening.individuals;
+    const double markers = settings.screening.markers;
     const double best = settings.builder.usable_markers();
     const double genotypes = mapped ? 0 : individuals / 4 * markers;
     const double rows = PhenotypeRows::bytes(individuals, data_sets) + data_sets * best * 4;
@@ -42,7 +39,14 @@ void check_sizes(const Settings& settings, const AnalysisOptions& options, bool 
     const double stages =
         std::max(screening_bytes(markers, individuals, screening),
                  ModelStage::bytes(settings.builder.individuals, best, columns, options.threads));
-    require_memory(genotypes + rows + stages + 30 * markers + 50 * individuals,
+    return genotypes + rows + stages + 30 * markers + 50 * individuals;
+}
+
+void check_sizes(const Settings& settings, const AnalysisOptions& options, bool mapped,
+                 Diagnostics& diagnostics) {
+    const ScreeningSettings& asked = settings.screening;
+    check_counts(asked, diagnostics);
+    require_memory(analysis_bytes(settings, options, mapped, asked.permutations + 1.0),
                    std::to_string(asked.individuals) + " individuals (Sample_size), " +
                        std::to_string(asked.markers) + " markers (Number_of_markers) and " +
                        std::to_string(asked.permutations) + " permutations (Number_of_permutation)",

@@ -150,6 +150,8 @@ class Commands(unittest.TestCase):
         self.assertGreater(mean[1], mean[0] + 0.05)
 
     def test_report_is_made_anew(self):
+        bim = self.work / "study.bim"
+        bim.write_bytes(bim.read_bytes().replace(b"\t0\t", b"\xe9\t0\t"))  # names are no UTF-8
         self.run_study("plain")
         self.run_study("gzip", "--gzip")
         for out in ("plain", "gzip"):
@@ -175,6 +177,9 @@ class Commands(unittest.TestCase):
     def test_misuse_and_bad_input(self):
         (self.work / "cut.bed").write_bytes((self.work / "study.bed").read_bytes()[:100])
         (self.work / "full/report.html").mkdir(parents=True)
+        shutil.copytree(self.work / "text", self.work / "far")
+        parameters = self.work / "far/parameter.txt"
+        parameters.write_text(parameters.read_text().replace("dat1", "../text/dat1"))
         run = ["run", *BED, "--out", "x"]
         for words, status, said in [
             (["run", *BED], 2, "--out"),
@@ -195,14 +200,17 @@ class Commands(unittest.TestCase):
             (["run", *BED, "--out", "study.fam/x"], 3, "study.fam/x: cannot be made"),
             ([*run, "--maf", "0.5"], 3, "no marker"),
             (["report", "text"], 3, "text/model.json: cannot be opened"),
-            (["import", "--bfile", "absent", "--out", "x"], 3, "absent.fam: cannot be opened"),
+            (["import", "--bfile", "absent", "--out", "x/y/z"], 3, "absent.fam: cannot be opened"),
+            (["run", "--study", "far", "--out", "x"], 3, "parameter.txt:1: Inputfile ../text/dat1"),
         ]:
             with self.subTest(words):
                 told = self.vort(*words, status=status).stderr.decode().splitlines()
                 self.assertRegex(told[-1], "^vort: .*" + said)
-                self.assert_no_results("x")
+                self.assertFalse((self.work / "x").exists())
 
     def test_help_starts_no_analysis(self):
+        with open("/dev/full", "w") as full:
+            self.assertEqual(subprocess.run([PROGRAM, "--version"], stdout=full).returncode, 4)
         text = self.work / "text"
         for words in (["--help"], ["run", "--help"], ["import", "--help"], ["report", "--help"]):
             self.assertIn(b"--help", self.vort(*words, said="", cwd=text).stdout)
@@ -224,9 +232,12 @@ class Commands(unittest.TestCase):
             time.sleep(moments.uniform(0.01, 0.5))
             running.send_signal(sent)
             self.assertEqual(running.wait(), statuses[sent])
-            left = [path.name for path in (self.work / "out").iterdir()]
-            self.assertEqual(left, [".vort-unfinished"] if sent == signal.SIGKILL else [])
-            shutil.rmtree(self.work / "out/.vort-unfinished", ignore_errors=True)
+            left = {path.name for path in (self.work / "out").iterdir()}
+            killed = {".vort-unfinished"} if sent == signal.SIGKILL else set()
+            plan = {"plan.json", "parts"} | ({"plan.json.unfinished"} if killed else set())
+            self.assertIn(left - plan, [killed])
+            shutil.rmtree(self.work / "out")
+        (self.work / "out").mkdir()
         (self.work / "out/.vort-unfinished").mkdir()
         self.run_study("out")
         self.assertFalse((self.work / "out/.vort-unfinished").exists())
@@ -235,6 +246,7 @@ class Commands(unittest.TestCase):
         words = [PROGRAM, "run", *BED, *settings("150"), "--out", "out"]
         for change in ("truncate -s 10 study.bed", "touch study.bim"):
             self.study.write_bed()
+            shutil.rmtree(self.work / "out", ignore_errors=True)
             running = subprocess.Popen(words, cwd=self.work, stdout=subprocess.DEVNULL,
                                        stderr=subprocess.PIPE)
             while running.poll() is None and not (self.work / "out/.vort-unfinished").exists():
@@ -250,9 +262,11 @@ class Commands(unittest.TestCase):
         for size in (100, 500, 3000, 20000, 100000):
             with self.subTest(size):
                 done = self.run_study(
-                    "out", "--console", status=4,
+                    "out", "--console", "--force", status=4,
                     preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size)))
                 self.assertRegex(done.stderr.decode(), "could not be fully written")
+                shutil.rmtree(self.work / "out/parts", ignore_errors=True)
+                (self.work / "out/plan.json").unlink(missing_ok=True)
                 self.assert_no_results("out")
 
     def test_progress_is_a_line_on_a_terminal(self):
@@ -261,7 +275,7 @@ class Commands(unittest.TestCase):
                        stdout=subprocess.DEVNULL, stderr=inside, check=True)
         os.close(inside)
         shown = os.read(terminal, 1 << 16).decode()
-        self.assertRegex(shown, r"\r(screening|modelling) \[#*-*\] \d+/101  \d+:\d\d elapsed")
+        self.assertRegex(shown, r"\r(screening|searching|modelling) \[#*-*\] \d+/101  \d+:\d\d elapsed")
         self.assertTrue(shown.endswith("\r\x1b[K"), repr(shown[-40:]))
 
     def test_prepared_files_take_the_place_of_the_screening(self):
@@ -271,6 +285,92 @@ class Commands(unittest.TestCase):
         self.study.phenotypes.reverse()
         self.study.write_bed()
         self.run_study("other", "--prepared", "prepared", status=3, said="not of this study")
+        shutil.copy(self.work / "phenotypes.txt", self.work / "prepared/prepare_data0_0.050000.txt")
+        self.run_study("x", "--pheno", "prepared/prepare_data0_0.050000.txt", "--pheno-name",
+                       "status", "--1", "--save-prepared", "prepared", status=3,
+                       said="where --save-prepared writes")
+
+    def saved_phenotypes(self, folder):
+        return [path.read_text().split("\n")[0].split()
+                for path in sorted((self.work / folder).iterdir())]
+
+    def test_permutations_keep_to_clusters(self):
+        clusters = {person: f"c{k % 3}" if k % 7 else "NA"
+                    for k, person in enumerate(self.study.people)}
+        self.study.write("all.txt", (f"{p} {p} all" for p in self.study.people))
+        self.study.write("some.txt", ["FID IID site", *(f"{p} {p} {c}"
+                                                        for p, c in clusters.items())])
+        self.run_study("free", "--console")
+        self.run_study("all", "--console", "--within", "all.txt")
+        self.assert_same([*REPORTS, *TABLES], "free", "all")
+        for threads in (1, 5):
+            self.run_study(f"some{threads}", "--within", "some.txt", "--within-name", "site",
+                           "--threads", threads, "--save-prepared", f"prepared{threads}")
+        self.assert_same([*REPORTS, *TABLES, "model.json", "report.html"], "some1", "some5")
+        observed, *permuted = self.saved_phenotypes("prepared1")
+        self.assertEqual(len({tuple(row) for row in permuted}), 4)
+        for row in permuted:
+            for cluster in ("c0", "c1", "c2"):
+                places = [i for i, c in enumerate(clusters.values()) if c == cluster]
+                self.assertEqual(sorted(row[i] for i in places),
+                                 sorted(observed[i] for i in places))
+            for i, cluster in enumerate(clusters.values()):
+                self.assertTrue(cluster != "NA" or row[i] == observed[i])
+        model = json.loads((self.work / "some1/model.json").read_text())
+        schema = json.loads((ROOT / "docs/model.schema.json").read_text())
+        jsonschema.Draft202012Validator(schema).validate(model)
+        alone = sum(cluster == "NA" for cluster in clusters.values())
+        self.assertEqual(model["within"], {"file": "some.txt", "name": "site", "clusters": 3,
+                                           "fixed": 0, "unassigned": alone})
+        self.assertIn("  within  some.txt", (self.work / "some1/run.log").read_text())
+        self.vort("report", "some1", said="")
+        self.assert_same(["report.html"], "some1", "some5")
+        self.run_study("x", "--prepared", "prepared1", "--within", "all.txt")
+        self.run_study("free", "--force", "--save-prepared", "prepared")
+        done = self.run_study("y", "--prepared", "prepared", "--within", "some.txt", status=3)
+        self.assertRegex(done.stderr, b"not of this study; .* with the same --within, expected\n$")
+        self.vort("run", *BED, "--within-name", "site", "--out", "z", status=2,
+                  said="--within-name names a column of --within FILE")
+
+    def test_an_input_is_no_result(self):
+        for command, name in (("run", "model.json"), ("import", "dat1.txt")):
+            out = self.work / command
+            out.mkdir()
+            before = (self.work / "phenotypes.txt").read_text()
+            (out / name).write_text(before)
+            self.vort(command, "--vcf", "study.vcf", "--pheno", out / name, "--pheno-name",
+                      "status", "--1", *settings(), "--out", command, "--force", status=3,
+                      said="is an input, and")
+            self.assertEqual((out / name).read_text(), before)
+            self.assertEqual([path.name for path in out.iterdir()], [name])
+        self.run_study("good")
+        for name in ("model.json", "markers.tsv"):
+            (self.work / "good/report.html").unlink()
+            (self.work / "good/report.html").symlink_to(name)
+            self.vort("report", "good", status=3, said="is an input, and")
+        (self.work / "good/.vort-unfinished").mkdir()
+        (self.work / "study.fam").rename(self.work / "good/.vort-unfinished/study.fam")
+        self.run_study("good", "--force", "--fam", "good/.vort-unfinished/study.fam", status=3,
+                       said="is removed by the next run")
+        self.assertTrue((self.work / "good/.vort-unfinished/study.fam").exists())
+
+    def test_prepared_files_replace_links_not_what_they_lead_to(self):
+        (self.work / "prepared").mkdir()
+        before = (self.work / "study.fam").read_bytes()
+        (self.work / "prepared/prepare_data0_0.050000.txt").symlink_to("../study.fam")
+        self.run_study("out", "--save-prepared", "prepared")
+        self.assertEqual((self.work / "study.fam").read_bytes(), before)
+
+    def test_pipes_are_read_and_waited_for(self):
+        os.mkfifo(self.work / "pipe")
+        waiting = subprocess.Popen([PROGRAM, "run", *BED, "--fam", "pipe", *settings(), "--out",
+                                    "out"], cwd=self.work, stderr=subprocess.PIPE,
+                                   stdout=subprocess.DEVNULL)
+        self.assertIn(b"pipe: is a pipe", waiting.stderr.readline())
+        (self.work / "pipe").write_bytes((self.work / "study.fam").read_bytes())
+        waiting.stderr.close()
+        self.assertEqual(waiting.wait(), 0)
+        self.assert_same(REPORTS, "out", CASE / "expected")
 
     def test_what_is_not_ours_stays(self):
         (self.work / "mine").mkdir()
@@ -291,36 +391,6 @@ class Commands(unittest.TestCase):
         for text in ('{"format": 1}', "[" * 100000, '{"format": "vort-model", "format_version": 1}'):
             (self.work / "one/model.json").write_text(text)
             self.vort("report", "one", status=3, said="model.json: ")
-
-    def test_bare_program(self):
-        for threads in ("1", "2", "7", "64"):
-            folder = self.work / threads
-            shutil.copytree(self.work / "text", folder)
-            self.vort(cwd=folder, env={"VORT_THREADS": threads}, said="")
-            self.assert_same(REPORTS, folder, CASE / "expected")
-        # A reader that goes away costs the console text only.
-        piped = subprocess.run(["bash", "-c", f"{PROGRAM} | head -n 1"], cwd=self.work / "text",
-                               capture_output=True)
-        self.assertIn(b"standard output", piped.stderr)
-        self.assert_same(REPORTS, "text", CASE / "expected")
-        odd = subprocess.run([PROGRAM], cwd=self.work / "text", capture_output=True,
-                             env={"VORT_THREADS": "2x"})
-        self.assertRegex(odd.stderr, rb'^VORT_THREADS: a number of threads .* not "2x"[^\n]*\n$')
-
-    def test_one_run_at_a_time_in_a_directory(self):
-        data = self.work / "text/dat1.txt"
-        text = data.read_bytes()
-        data.unlink()
-        os.mkfifo(data)
-        # Waits for its data set, which comes through a pipe, with the directory locked.
-        first = subprocess.Popen([PROGRAM], cwd=self.work / "text", stdout=subprocess.DEVNULL)
-        with open(data, "wb") as pipe:
-            second = subprocess.run([PROGRAM], cwd=self.work / "text", capture_output=True)
-            self.assertEqual(second.returncode, 1)
-            self.assertIn(b"another run is at work in this directory", second.stderr)
-            pipe.write(text)
-        self.assertEqual(first.wait(), 0)
-        self.assert_same(REPORTS, "text", CASE / "expected")
 
 
 if __name__ == "__main__":

@@ -34,15 +34,47 @@ TEST(OutputFile, TruncatesOrAppendsAndSaysWhatItCouldNotOpenOrWrite) {
         OutputFile absent("absent/report", mode, told.diagnostics);
         absent << "lost";
         EXPECT_FALSE(absent.is_open() || absent.close());
-        EXPECT_EQ(told.take(), "absent/report: could not be opened for writing\n");
+        EXPECT_EQ(told.take(),
+                  "absent/report: could not be opened for writing (No such file or directory)\n");
     }
     // /dev/full opens, and every write to it finds the disk full: at the end, or on the way.
     for (const std::size_t size : {1UL, 1000000UL}) {
         OutputFile full("/dev/full", Mode::kTruncate, told.diagnostics);
         full << std::string(size, 'x');
         EXPECT_FALSE(full.close());
-        EXPECT_EQ(told.take(), "/dev/full: could not be fully written (is the disk full?)\n");
+        EXPECT_EQ(told.take(), "/dev/full: could not be fully written (No space left on device)\n");
     }
+}
+
+TEST(WholeFile, HasItsNameWhenAllOfItIsWritten) {
+    const TemporaryFolder folder;
+    Told told;
+    write_file("report", "earlier");
+    write_file("report.unfinished", "of a run that was killed");
+    {
+        WholeFile given_up("report", told.diagnostics);
+        EXPECT_TRUE(given_up.is_open() && given_up.write("new"));
+    }
+    EXPECT_EQ(read_file("report"), "earlier");
+    {
+        WholeFile file("report", told.diagnostics);
+        EXPECT_TRUE(file.is_open() && file.write("new"));
+        EXPECT_EQ(read_file("report"), "earlier");
+        EXPECT_TRUE(file.take_name());
+    }
+    EXPECT_EQ(read_file("report"), "new");
+    EXPECT_FALSE(std::filesystem::exists("report.unfinished"));
+    EXPECT_EQ(told.take(), "");
+    // Never through a link, and not into the place of a directory.
+    std::filesystem::create_symlink("report", "other.unfinished");
+    std::filesystem::create_directories("other/within");
+    {
+        WholeFile file("other", told.diagnostics);
+        EXPECT_TRUE(file.write("x"));
+        EXPECT_FALSE(file.take_name());
+    }
+    EXPECT_EQ(read_file("report"), "new");
+    EXPECT_EQ(told.take(), "other: could not be replaced (Is a directory)\n");
 }
 
 TEST(Diagnostics, HoldsBackAllButTenLinesOfAKindAndRepetitions) {

@@ -1,6 +1,7 @@
 // What is read from "parameter.txt", what the stages take of it, and what is said about it.
 #include "common/parameter_file.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -14,6 +15,8 @@
 
 namespace vort::testing {
 namespace {
+
+using ::testing::StartsWith;
 
 // "Head=1@1" is a number in line 1, "Head='x'@1" a text; '?' marks a value not taken whole.
 std::string shown(const ParameterFile& file) {
@@ -177,7 +180,18 @@ Best_m						100
     std::filesystem::create_directory("parameter.txt");
     EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics); }),
               "0 Don't find parameter file use default value\nDon't open parameter file\n");
-    EXPECT_EQ(told.take(), "parameter.txt: could not be opened for writing\n");
+    EXPECT_EQ(told.take(), "parameter.txt: could not be replaced (File exists)\n");
+    // Nothing is written through a link to nowhere.
+    std::filesystem::remove("parameter.txt");
+    std::filesystem::create_symlink("elsewhere", "parameter.txt");
+    EXPECT_EQ(stop_of([&] { read_parameter_file(told.diagnostics); }),
+              "0 Don't find parameter file use default value\nDon't open parameter file\n");
+    EXPECT_FALSE(std::filesystem::exists("elsewhere"));
+    std::filesystem::remove("parameter.txt");
+    write_file("parameter.txt", "\xEF\xBB\xBFHead 1\n");
+    told.take();
+    EXPECT_EQ(read_parameter_file(told.diagnostics).entries.size(), 1U);
+    EXPECT_THAT(told.take(), StartsWith("parameter.txt:1: begins with a byte order mark"));
 }
 
 }  // namespace

@@ -38,6 +38,19 @@ TEST(BuilderData, CasesAreSpreadOverBothHalves) {
     }
 }
 
+// Clusters stay those of the individuals, which stand at other places; their order stays, too.
+TEST(BuilderData, ClustersFollowTheIndividuals) {
+    const std::vector<short> phenotypes = {0, 1, 1, 0, 1, 0};
+    const std::vector<int> labels = {5, 2, Clusters::kAlone, 2, 5, 2};
+    const Clusters clusters(labels);
+    const BuilderData data = builder_data(Genotypes(6, 0), phenotypes, 1, &clusters);
+    const std::vector<int> order = {4, 3, 0, 1, 2, 5};
+    ASSERT_EQ(std::vector<int>(data.order().begin(), data.order().end()), order);
+    const std::span<const int> members = data.clusters().all_members();
+    EXPECT_EQ(std::vector<int>(members.begin(), members.end()),
+              (std::vector<int>{0, 2, 1, 3, 5, 4}));
+}
+
 TEST(BuilderData, PhenotypeIsCentred) {
     const BuilderData data = builder_data(Genotypes(4, 0), {-2, 4, 0, 6});
     EXPECT_EQ(data.mean(), 2);

@@ -7,6 +7,7 @@
 #include "csm/permuted_statistics.h"
 #include "numeric/index_sort.h"
 #include "support/builder_study.h"
+#include "support/random_clusters.h"
 #include "support/told.h"
 
 namespace vort::testing {
@@ -43,7 +44,10 @@ TEST(PermutedStatistics, AgreeWithThePlainFormToTheBit) {
         const int n = sizes[seed % std::size(sizes)];
         const double missing[] = {0, 0.02, 0.3};
         const RandomStudy study(seed, {n, 11, missing[seed % 3], seed % 4 == 0 ? 0.2 : 0.5});
-        const BuilderData data = builder_data(study.genotypes, study.phenotypes);
+        std::mt19937 random(seed);
+        const Clusters clusters(random_cluster_labels(random, n));
+        const BuilderData data =
+            builder_data(study.genotypes, study.phenotypes, 1, seed % 2 == 0 ? &clusters : nullptr);
         Generator start;
         start.skip(seed * 1000);
         for (const int number : {1, 3, 8, 10}) {

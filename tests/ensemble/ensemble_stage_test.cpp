@@ -37,7 +37,9 @@ struct SmallStudy {
 
     Result run() {
         console.clear();
+        modelled.clear();
         EnsembleOptions options;
+        options.progress = [this](int d, double, int) { modelled.push_back(d); };
         options.console = [this](std::string_view text) { console += text; };
         EnsembleStage stage({genotypes, phenotypes, best}, settings, options);
         try {
@@ -53,6 +55,7 @@ struct SmallStudy {
     std::vector<std::vector<int>> best;
     Settings settings;
     std::string console;
+    std::vector<int> modelled;  // data sets that were told to have their model
     IntermediateTexts left;
 };
 
@@ -133,13 +136,23 @@ TEST(EnsembleStage, AStopLeavesTheTextsOfTheDataSetBefore) {
     EXPECT_THAT(study.console, EndsWith("\na too large, ITMAX too small in gcf\n"));
     EXPECT_THAT(study.left.design, StartsWith("0.500000 1 0 \n"));
     EXPECT_THAT(study.left.coefficients, StartsWith("2\n1\nbeta[ 0 ]= "));
+    EXPECT_EQ(study.modelled, std::vector{0});
+}
+
+// Nobody is told of a model that a data set, the observed one included, has not come to.
+TEST(EnsembleStage, AStopOfTheObservedDataSetLeavesNothing) {
+    SmallStudy study({std::vector<signed char>(40), kHalf}, std::vector<short>(40, 1));
+    study.settings.builder.max_retain = 2;
+    EXPECT_THAT(stop_of([&] { study.run(); }), StartsWith("0 find error BestClusterNum"));
+    EXPECT_EQ(study.modelled, std::vector<int>());
+    EXPECT_EQ(study.left.design + study.left.coefficients, "");
 }
 
 // The two intermediate files of an earlier form of the program, after the observed data set.
 TEST(ModelStage, DesignAndCoefficientsOfTheGoldenCases) {
     for (const std::string& name : kGoldenCases) {
         GoldenStudy golden(name);
-        const auto& [genotypes, observed, table] = golden.study;
+        const auto& [genotypes, observed, table, clusters] = golden.study;
         const PhenotypeRows phenotypes(observed);
         ScreeningOptions options;
         options.kept = golden.settings.builder.markers;

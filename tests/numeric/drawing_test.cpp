@@ -7,50 +7,22 @@
 #include <random>
 #include <vector>
 
+#include "numeric/clustered_labels.h"
 #include "numeric/generator.h"
 #include "numeric/label_runs.h"
+#include "numeric/plain_draws.h"
 #include "numeric/random_order.h"
 #include "support/instruction_sets.h"
+#include "support/random_clusters.h"
 
 namespace vort {
 namespace {
 
 using vort::testing::instruction_sets;
-
-// Three residues and their quotients, as published but for the second modulus.
-struct PlainGenerator {
-    std::int64_t x = 1, y = 3, z = 5;
-
-    double next() {
-        x = 171 * x % 30269;
-        y = 172 * y % 30309;
-        z = 170 * z % 30323;
-        const double sum = static_cast<double>(x) / 30269.0 + static_cast<double>(y) / 30309.0 +
-                           static_cast<double>(z) / 30323.0;
-        return sum - static_cast<int>(sum);
-    }
-
-    bool operator==(const Generator& other) const {
-        return x == other.x() && y == other.y() && z == other.z();
-    }
-};
-
-// Items 0 .. n-1, drawn from a list whose gaps are closed. The list is in pieces, so that this ends
-// with many items too.
-std::vector<int> plain_order(PlainGenerator& generator, int n) {
-    constexpr int kPiece = 256;
-    std::vector<std::vector<int>> pieces(static_cast<std::size_t>(n / kPiece + 1));
-    for (int i = 0; i < n; ++i) pieces[i / kPiece].push_back(i);
-    std::vector<int> order;
-    for (int c = 0; c < n; ++c) {
-        auto k = static_cast<std::size_t>((n - c) * generator.next());
-        auto piece = pieces.begin();
-        for (; k >= piece->size(); ++piece) k -= piece->size();
-        order.push_back((*piece)[k]);
-        piece->erase(piece->begin() + static_cast<std::ptrdiff_t>(k));
-    }
-    return order;
-}
+using vort::testing::plain_clusters;
+using vort::testing::plain_order;
+using vort::testing::PlainGenerator;
+using vort::testing::random_cluster_labels;
 
 constexpr int kMost = std::numeric_limits<int>::max();
 
@@ -154,7 +126,7 @@ void expect_plain_labels(std::mt19937& random, const PlainGenerator& state, std:
         std::vector<std::uint64_t> planes(expected.size() + 1, 7);
         drawn.draw(
             {static_cast<int>(state.x), static_cast<int>(state.y), static_cast<int>(state.z)},
-            orders, planes.data());
+            Generator::Skip(n), orders, planes.data());
         EXPECT_EQ(planes.back(), 7U);
         planes.pop_back();
         ASSERT_EQ(planes, expected)
@@ -172,6 +144,46 @@ TEST(LabelRuns, AreTheLabelsOfPlainOrders) {
         PlainGenerator state{1 + seed, 3 * seed, 7 * seed};
         if (seed % 10 == 0) state = kStates[3];
         expect_plain_labels(random, state, n);
+    }
+}
+
+void expect_clustered_labels(std::mt19937& random, const PlainGenerator& state, std::size_t n) {
+    const std::vector<unsigned char> labels = random_runs(random, n, 4);
+    const std::vector<int> cluster = random_cluster_labels(random, static_cast<int>(n));
+    const int orders = 1 + static_cast<int>(random() % ClusteredLabels::kOrdersAtOnce);
+    std::vector<unsigned char> expected;  // a byte a draw
+    PlainGenerator plain = state;
+    for (int l = 0; l < orders; ++l) {
+        for (const std::vector<int>& members : plain_clusters(cluster)) {
+            for (const int k : plain_order(plain, static_cast<int>(members.size()))) {
+                expected.push_back(labels[members[k]]);
+            }
+        }
+    }
+    for (const Instructions instructions : instruction_sets()) {
+        const ClusteredLabels drawn(labels, Clusters(cluster), instructions);
+        const std::size_t stride = drawn.plane_words() + 2;
+        std::vector<std::uint64_t> planes(static_cast<std::size_t>(orders) * stride, 7);
+        drawn.draw(
+            {static_cast<int>(state.x), static_cast<int>(state.y), static_cast<int>(state.z)},
+            orders, planes.data(), stride);
+        for (std::size_t l = 0; l < static_cast<std::size_t>(orders); ++l) {
+            for (std::size_t d = 0; d < 64 * drawn.plane_words(); ++d) {
+                const auto bit = planes[l * stride + d / 64] >> d % 64 & 1;
+                ASSERT_EQ(bit, d < n ? expected[l * n + d] : 0) << "order " << l << ", draw " << d;
+            }
+            ASSERT_EQ(planes[(l + 1) * stride - 1], 7U);
+        }
+    }
+}
+
+TEST(ClusteredLabels, AreTheLabelsOfPlainOrdersOfEachCluster) {
+    for (unsigned seed = 1; seed <= 100; ++seed) {
+        std::mt19937 random(seed);
+        const std::size_t n = seed <= 70 ? seed : 1 + random() % 3000;
+        SCOPED_TRACE(::testing::Message() << "seed " << seed << ", " << n << " items");
+        expect_clustered_labels(random, seed % 10 == 0 ? kStates[3] : PlainGenerator{1, seed, 5},
+                                n);
     }
 }
 

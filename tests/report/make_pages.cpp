@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "common/input_error.h"
+#include "prediction/evaluation.h"
 #include "report/report_page.h"
 
 namespace {
@@ -29,6 +30,7 @@ struct Made {
     bool tested = true;
     bool hostile = false;
     double T0 = 0.1790;
+    bool holdout = false;
 };
 
 // A marker with its texts.
@@ -218,6 +220,22 @@ json make_model(std::vector<MadeMarker>& markers) {
             {"markers", weighed}};
 }
 
+// Sixty people, of whom those at a high risk are cases more often; some risks exceed 1.
+json make_holdout() {
+    std::vector<double> risks;
+    std::vector<short> phenotypes;
+    for (int i = 0; i < 60; ++i) {
+        risks.push_back(double(i / 3) / 18);
+        phenotypes.push_back(i * i * 7 % 60 < i ? 1 : 0);
+    }
+    const json trial = vort::evaluation_json(vort::evaluate(risks, phenotypes, 0.5));
+    return {{"fraction", 0.1},
+            {"cases", trial["cases"]},
+            {"controls", trial["controls"]},
+            {"evaluation", trial},
+            {"training", trial}};
+}
+
 json make_results(const Made& made, std::vector<MadeMarker>& markers,
                   const std::vector<DataSetRow>& data_sets) {
     const auto stronger = std::count_if(data_sets.begin() + 1, data_sets.end(),
@@ -263,7 +281,7 @@ void write_page(const std::string& path, const Made& made) {
     std::vector<MadeMarker> markers = make_markers(made);
     const std::vector<DataSetRow> data_sets = make_data_sets(made);
     rank(markers, data_sets);
-    const json results = make_results(made, markers, data_sets);
+    json results = make_results(made, markers, data_sets);
     vort::ReportPage page(made.markers);
     for (MadeMarker& marker : markers) {
         if (!made.tested) {
@@ -272,6 +290,7 @@ void write_page(const std::string& path, const Made& made) {
         }
         page.add(marker.row);
     }
+    if (made.holdout) results["holdout"] = make_holdout();
     std::vector<QuantileRow> quantiles;
     if (made.permutations > 0 && made.tested) quantiles = make_quantiles(markers);
     const auto small = std::count_if(markers.begin(), markers.end(), [](const MadeMarker& marker) {
@@ -291,6 +310,7 @@ int main(int argc, char** argv) try {
     write_page(folder + "large.html", {.chromosomes = 26, .markers = 541'325});
     write_page(folder + "hostile.html", {.hostile = true});
     write_page(folder + "weak.html", {.T0 = 0.12});
+    write_page(folder + "holdout.html", {.holdout = true});
     write_page(folder + "no-model.html", {.model = false});
     write_page(folder + "no-permutations.html", {.permutations = 0});
     write_page(folder + "one-chromosome.html", {.chromosomes = 1, .permutations = 1});

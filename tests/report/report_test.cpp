@@ -153,7 +153,14 @@ TEST(ModelView, ResultsOfAnotherShapeAreAnError) {
          {R"([{"op": "remove", "path": "/program"}])",
           R"([{"op": "replace", "path": "/result/T0", "value": "x"}])",
           R"([{"op": "replace", "path": "/model/marker_sets/0/cells/0/genotype",
-                                    "value": [3]}])"}) {
+                                    "value": [3]}])",
+          R"([{"op": "replace", "path": "/model/marker_sets/0/markers", "value": []}])",
+          R"([{"op": "replace", "path": "/model/marker_sets/0/cells/0/genotype",
+                                    "value": [1e300]}])",
+          R"([{"op": "replace", "path": "/model/marker_sets/0/cells/0/cases",
+                                    "value": 2147483648}])",
+          R"([{"op": "replace", "path": "/result/permutations", "value": 1e300}])",
+          R"([{"op": "replace", "path": "/input/markers/dropped", "value": -1}])"}) {
         try {
             read_model_view(sound.patch(json::parse(change)));
             ADD_FAILURE() << change;

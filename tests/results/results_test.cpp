@@ -10,6 +10,7 @@
 #include "results/data_set_files.h"
 #include "results/fitted_risk.h"
 #include "results/marker_rows.h"
+#include "results/model_json.h"
 #include "results/pvalue_quantiles.h"
 #include "results/table_text.h"
 #include "screening/marker_counts.h"
@@ -138,7 +139,11 @@ TEST(TableReader, TellsWhatIsWrongWithItsPlace) {
              {"DATA_SET\tT\n", ":1: another header; DATA_SET"},
              {header + "0\t0.5\t0.1\trs1\n", ":2: 4 columns; 5 expected"},
              {header + "0\t0.5\t0.1\trs1\t3\n1\tNA\tx\trs1\t3\n", ":3: x; a number or NA"},
-             {header + "0\t0.5\t0.1\trs1\t3.5\n", ":2: 3.5; a whole number or NA"},
+             {header + "0\t0.5\t0.1\trs1\t3.5\n", ":2: 3.5; a whole number from 0 to "},
+             {header + "4294967296\t0.5\t0.1\trs1\t3\n", ":2: 4294967296; a whole number from 0"},
+             {std::string("\x1f\x8b\x08\0\0\0\0\0\0\x03\x03\0\0\0\0\0\0\0\0\0", 20),
+              ": is compressed; text expected"},
+             {header + "0\t0.5\t-0.1\trs1\t3\n", ":2: -0.1; a number from 0 to 1, or NA"},
          }) {
         write_file(path, text);
         try {
@@ -154,6 +159,30 @@ TEST(TableReader, TellsWhatIsWrongWithItsPlace) {
     EXPECT_EQ(row.smallest_p, 0.1);
     EXPECT_EQ(row.marker, "");
     EXPECT_EQ(row.learners, -1);
+}
+
+// What is too deep to be walked through is refused, and no brackets of names count.
+TEST(ReadModel, OnlyBracketsThatNestAreDepth) {
+    const TemporaryFolder folder;
+    const auto brackets = [](char c) { return std::string(100'000, c); };
+    for (const auto& [value, is_read] : {
+             std::pair<std::string, bool>{brackets('[') + brackets(']'), false},
+             {"[\"" + brackets(']') + "\", " + brackets('[') + brackets(']') + "]", false},
+             {R"(["\"", )" + brackets('[') + brackets(']') + "]", false},
+             {"\"" + brackets('[') + "\"", true},
+             {R"("\\\"{)" + brackets('{') + "\"", true},
+         }) {
+        write_file("model.json",
+                   R"({"format": "vort-model", "format_version": 1, "x": )" + value + "}");
+        const auto reads = [] {
+            try {
+                return read_model("model.json").is_object();
+            } catch (const InputError&) {
+                return false;
+            }
+        };
+        EXPECT_EQ(reads(), is_read) << value.substr(0, 10);
+    }
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include "screening/plain_screening.h"
 #include "screening/prepared_file.h"
+#include "support/random_clusters.h"
 #include "support/random_study.h"
 #include "support/temporary_folder.h"
 #include "support/told.h"
@@ -11,15 +13,38 @@
 namespace vort::testing {
 namespace {
 
-// Each individual takes the phenotype of one that is left, drawn at random.
-std::vector<short> shuffled(std::vector<short> left, Generator& generator) {
-    std::vector<short> out;
-    while (!left.empty()) {
-        const auto k = static_cast<std::ptrdiff_t>(generator.next() * double(left.size()));
-        out.push_back(left[static_cast<std::size_t>(k)]);
-        left.erase(left.begin() + k);
+// Each cluster by itself, one after the other.
+std::vector<short> shuffled_within(const std::vector<std::vector<int>>& clusters,
+                                   const std::vector<short>& phenotypes,
+                                   PlainGenerator& generator) {
+    std::vector<short> out(phenotypes.size());
+    for (const std::vector<int>& members : clusters) {
+        std::vector<short> own;
+        for (const int i : members) own.push_back(phenotypes[i]);
+        own = shuffled(std::move(own), generator);
+        for (std::size_t k = 0; k < own.size(); ++k) out[members[k]] = own[k];
     }
     return out;
+}
+
+TEST(PhenotypeRows, AreShuffledWithinClustersByPlainDraws) {
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        std::mt19937 random(seed);
+        const int n = 1 + static_cast<int>(random() % (seed % 10 == 0 ? 3000 : 100));
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", " + std::to_string(n) + " individuals");
+        const RandomStudy study(seed, {n, 0, 0, 0.4, 2 + static_cast<int>(seed % 2)});
+        const std::vector<int> labels = random_cluster_labels(random, n);
+        PhenotypeRows rows(study.phenotypes, Clusters(labels));
+        Generator generator;
+        PlainGenerator plain;
+        rows.permute(5, generator, 2);
+        std::vector<short> expected = study.phenotypes;
+        for (int r = 1; r <= 5; ++r) {
+            expected = shuffled_within(plain_clusters(labels), expected, plain);
+            ASSERT_EQ(rows.row(r), expected) << r;
+        }
+        EXPECT_EQ(plain, generator);
+    }
 }
 
 TEST(PhenotypeRows, AreShuffledByPlainDraws) {
@@ -31,7 +56,8 @@ TEST(PhenotypeRows, AreShuffledByPlainDraws) {
                 SCOPED_TRACE(std::to_string(n) + " individuals, values " + std::to_string(values) +
                              ", threads " + std::to_string(threads));
                 PhenotypeRows rows(study.phenotypes);
-                Generator generator, plain;
+                Generator generator;
+                PlainGenerator plain;
                 rows.permute(9, generator, threads);
                 std::vector<short> expected = study.phenotypes;
                 ASSERT_EQ(rows.count(), 10);
@@ -44,7 +70,7 @@ TEST(PhenotypeRows, AreShuffledByPlainDraws) {
                         ASSERT_EQ(plane[i / 64] >> i % 64 & 1, i < n && expected[i] == 1 ? 1U : 0U);
                     }
                 }
-                EXPECT_EQ(generator, plain);
+                EXPECT_EQ(plain, generator);
             }
         }
     }

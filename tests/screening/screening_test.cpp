@@ -3,74 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include "numeric/index_sort.h"
-#include "screening/marker_pvalues.h"
+#include "screening/plain_screening.h"
 #include "support/instruction_sets.h"
 #include "support/random_study.h"
 #include "support/told.h"
 
 namespace vort::testing {
 namespace {
-
-Findings plain_findings(const MarkerPvalues& all) {
-    Findings out;
-    out.dropped = all.dropped;
-    out.dropped_significant = all.dropped_significant;
-    for (int k = 1; k < static_cast<int>(all.minimum.size()); ++k) {
-        for (int model = 0; model < kModels; ++model) {
-            const double p = all.model[model][k];
-            if (p <= 0.002) out.significant[model].push_back({k, p});
-        }
-        if (all.minimum[k] <= 0.0005) out.minimum_significant.push_back({k, all.minimum[k]});
-    }
-    return out;
-}
-
-void print_plain_lists(Transcript& out, const Findings& all) {
-    const char* const names[] = {"additive ", "dominant ", "recessive", "genotype ", "minimum  "};
-    const auto list = [&](int model, const std::vector<Finding>& findings) {
-        for (const Finding& f : findings) {
-            out << "model=" << names[model] << " i=" << f.marker << " pvalue=" << general(f.pvalue)
-                << '\n';
-        }
-    };
-    for (int model = 0; model < kModels; ++model) list(model, all.significant[model]);
-    list(kModels, all.minimum_significant);
-    for (int model = 0; model < kModels; ++model) {
-        out << "model=" << names[model]
-            << " # of marker's pvalue<0.002=" << all.significant[model].size() << '\n';
-    }
-    out << "model=minimum   # of marker's pvalue<0.002/4=" << all.minimum_significant.size()
-        << '\n';
-    for (int model = 0; model < kModels; ++model) {
-        out << "model=" << names[model]
-            << " # of marker's missing num than 20=" << all.dropped_significant[model]
-            << " total_count_drop_diseasemaker=" << all.dropped << '\n';
-    }
-}
-
-// What one data set's screening is to leave.
-struct PlainScreening {
-    PlainScreening(const Genotypes& genotypes, std::span<const short> phenotypes)
-        : all(test_all_markers(genotypes, phenotypes)) {
-        std::vector<int> order(all.minimum.size());
-        Quickindex(all.minimum.data(), order.data(), genotypes.markers());
-        ranking.assign(order.begin() + 1, order.end());
-        Transcript out(true);
-        print_plain_lists(out, plain_findings(all));
-        for (std::size_t k = 0; k < ranking.size(); ++k) {
-            out << k + 1 << " index=" << ranking[k]
-                << " pvalue=" << general(all.minimum[ranking[k]]) << " ref=" << ranking[k] - 1
-                << '\n';
-        }
-        text = out.text();
-        for (int& column : ranking) --column;
-    }
-
-    MarkerPvalues all;
-    std::vector<int> ranking;
-    std::string text;
-};
 
 std::vector<PlainScreening> screen_plainly(const Genotypes& genotypes, const PhenotypeRows& rows) {
     std::vector<PlainScreening> plain;

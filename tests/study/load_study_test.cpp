@@ -131,6 +131,67 @@ TEST(LoadStudy, PhenotypesComeFromFiles) {
     }
 }
 
+// Cluster files over a (case), b and e (controls) and d (case), c having no phenotype: who is with
+// whom, or the error, and the end of what is told.
+TEST(LoadStudy, ClustersComeFromFiles) {
+    const TemporaryFolder folder;
+    const std::string shuffled = "Phenotypes are shuffled within the ";
+    const struct {
+        const char* text;
+        const char* name;
+        const char* expected;
+        std::string told;
+    } rows[] = {
+        {"f a x\nf b x\nf c y\nf d x\nf e x", "", "0000", shuffled + "1 cluster of list only."},
+        {"f e 7\nf a 7\nf d NA\nf b NA\nz z 8", "", "0120",
+         shuffled + "1 cluster of list only.\n2 individuals are in no cluster and keep their "
+                    "phenotypes."},
+        {"#FID IID x site\nf d 1 south\nf b 2 north more\nf a 3 north\nf e 4 east\nf c 5 west",
+         "site", "0012",
+         shuffled + "3 clusters of list only.\n2 clusters have cases only or controls only, so "
+                    "nothing is shuffled there."},
+        {"FID IID x\nf d 0\nf e 0\nf b -9\n", "", "0122",
+         shuffled + "2 clusters of list only.\n1 cluster has"},
+        {"f a x\nf b y\nf d x\nf c x\n", "",
+         "list: 2 clusters of individuals in the study, none with both cases and controls; one "
+         "expected, since phenotypes are shuffled within clusters only",
+         ""},
+        {"f a NA\nf b NA\n", "",
+         "list: 0 clusters of individuals in the study, none with both cases and controls; one "
+         "expected, since phenotypes are shuffled within clusters only",
+         ""},
+        {"f a x\n\nf b\n", "", "list:3: 2 columns; FID IID and a cluster expected", ""},
+        {"f a x\nf b x\nf a y\n", "",
+         "list:3: individual f a, as in line 1; each individual once expected; take one of them "
+         "out",
+         ""},
+        {"FID IID x\nf a 1\n", "y",
+         "list:1: no column y; one of that name expected; correct --within-name", ""},
+        {"f a x\n", "x",
+         "list:1: no header; one that begins with FID IID expected, to find --within-name x", ""},
+        {"", "", "list: is empty; clusters expected", ""},
+    };
+    for (const auto& row : rows) {
+        Files files;
+        files.list = row.text;
+        files.write();
+        StudyRequest request = bed_request("s");
+        request.within = {"list", row.name};
+        const std::string fault = fault_of(request);
+        if (fault != "none") {
+            EXPECT_EQ(fault, row.expected);
+            continue;
+        }
+        const Study study = load_study(request);
+        std::string clusters;
+        for (int i = 0; i < study.clusters.items(); ++i) {
+            clusters += std::to_string(study.clusters.of(i));
+        }
+        EXPECT_EQ(clusters, row.expected);
+        EXPECT_THAT(notes_of(study), ::testing::HasSubstr(row.told));
+    }
+}
+
 // Lists and rates, counted by hand.
 TEST(LoadStudy, FiltersLeaveOutWhatTheySay) {
     const TemporaryFolder folder;

@@ -1,6 +1,7 @@
 // What is odd or wrong in VCF files, additive recodings and study directories.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -87,12 +88,16 @@ TEST(Vcf, AFamTellsWhoTheSamplesAre) {
 TEST(Vcf, WhatCannotBeReadIsTold) {
     const TemporaryFolder folder;
     write_file("phenotypes", "a a 1\nb b 2\n");
+    write_file("sound.vcf", vcf_of("1 5 r A G GT 0/0 0/1 1/1 0/0\n"));
     const std::string record = "record 1 cannot be read; a record of 4 individuals expected";
     const struct {
         std::string text, fault;
     } rows[] = {
         {"", "s.vcf: is no VCF or BCF file; one of the two expected"},
         {"FID IID\n", "s.vcf: is no VCF or BCF file; one of the two expected"},
+        // A ticket, which the library would follow to other files or machines.
+        {R"({"htsget": {"format": "VCF", "urls": [{"url": "file:sound.vcf"}]}})",
+         "s.vcf: is no VCF or BCF file; one of the two expected"},
         {"##fileformat=VCFv4.2\nx\n",
          "s.vcf: has no header that can be read; that of a VCF expected"},
         {"##fileformat=VCFv4.2\n#CHROM\tPOS\tID\tREF\tALT\tQUAL\tFILTER\tINFO\n",
@@ -211,6 +216,7 @@ TEST(StudyDirectory, IsReadAsItStands) {
 
 TEST(StudyDirectory, WhatTheBareProgramWouldRepairIsAnError) {
     const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo("pipe", 0600), 0);
     const std::string table = "1 r1\n1 r2\n1 r3\n", data = "./dat1.txt", file = "./parameter.txt";
     const auto with = [](const std::string& from, const std::string& to) {
         return replaced(kParameters, from, to);
@@ -234,6 +240,8 @@ TEST(StudyDirectory, WhatTheBareProgramWouldRepairIsAnError) {
          file + ": Inputfile is not given; the data set's name expected"},
         {with("dat1.txt", "none.txt"), kRows, table,
          "./none.txt: cannot be opened (No such file or directory)"},
+        {with("dat1.txt", "pipe"), kRows, table,
+         "./pipe: is a pipe or a device; a file expected, which is read twice"},
         {with("Sample_size\t\t\t\t\t4", "Sample_size 2000000"), kRows, table,
          data + ": 62 bytes; at least 8000000 expected for 2000000 individuals and 3 markers, as "
                 "parameter.txt says"},
@@ -271,6 +279,9 @@ TEST(StudyDirectory, IsWrittenWithOneWordForAName) {
     EXPECT_EQ(read_file("Chromosome_SNP_Name.txt"), "23\ta_name\n");
     EXPECT_EQ(read_file("parameter.txt"), "p\n");
     EXPECT_THROW(write_study_directory(study, "", "none"), std::runtime_error);
+    EXPECT_EQ(shared_identifiers(study), 0);
+    study.individuals = {{"a_b", "c", 0}, {"0", "x", 0}, {"a", "b_c", 0}, {"x", "x", 0}};
+    EXPECT_EQ(shared_identifiers(study), 2);
 }
 
 }  // namespace

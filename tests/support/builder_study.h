@@ -31,9 +31,9 @@ inline BuilderSettings builder_settings(int individuals, int markers, int cluste
 }
 
 inline BuilderData builder_data(const Genotypes& genotypes, const std::vector<short>& phenotypes,
-                                int threads = 1) {
+                                int threads = 1, const Clusters* clusters = nullptr) {
     const std::vector<int> best = all_columns(genotypes.markers());
-    return {{genotypes, phenotypes, best},
+    return {{genotypes, phenotypes, best, clusters},
             builder_settings(genotypes.individuals(), genotypes.markers()),
             false,
             threads};

@@ -1,0 +1,116 @@
+#include "cli/status_command.h"
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "cli/planning.h"
+#include "cli/results.h"
+#include "cli/task_mark.h"
+#include "cli/terminal.h"
+#include "report/wording.h"
+
+namespace vort {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::array kSteps = {"screen", "model"};
+
+struct TaskState {
+    Task task;
+    std::string state;  // "done", "running", "stopped" or "missing"
+    std::string worker;
+};
+
+TaskState state_of(const PartFolder& folder, const char* step, const Task& task) {
+    const bool screen = step == std::string("screen");
+    if (screen ? folder.is_screened(task.number) : folder.is_modelled(task.number)) {
+        return {task, "done", ""};
+    }
+    const auto worker = TaskMark::read(folder.mark_path(step, task.number));
+    if (!worker) return {task, "missing", ""};
+    return {task, worker->at_work ? "running" : "stopped", worker->text};
+}
+
+// Those of a plan that has been extended since are no longer its own.
+bool has_results(const PartFolder& folder, const std::string& path) {
+    std::error_code absent;
+    const auto made = std::filesystem::last_write_time(path + '/' + kRunResults.back(), absent);
+    return !absent && made >= std::filesystem::last_write_time(folder.plan_path(), absent);
+}
+
+Json json_of(const PartFolder& folder, const Plan& plan, const std::string& path) {
+    Json out = Json::object();
+    out["tasks"] = plan.tasks.size();
+    out["data_sets"] = plan.data_sets();
+    for (const char* step : kSteps) {
+        out[step] = Json::array();
+        for (const Task& task : plan.tasks) {
+            const TaskState state = state_of(folder, step, task);
+            Json one = {{"task", task.number},
+                        {"first", task.first},
+                        {"count", task.count},
+                        {"state", state.state}};
+            if (!state.worker.empty()) one["worker"] = state.worker;
+            out[step].push_back(std::move(one));
+        }
+    }
+    out["results"] = has_results(folder, path);
+    return out;
+}
+
+std::string range_text(int first, int last) {
+    return std::to_string(first) + (last > first ? '-' + std::to_string(last) : "");
+}
+
+std::string row(std::string step, std::string tasks, std::string data_sets,
+                const std::string& state) {
+    step.resize(std::max(step.size(), std::size_t{8}), ' ');
+    tasks.resize(std::max(tasks.size(), std::size_t{12}), ' ');
+    data_sets.resize(std::max(data_sets.size(), std::size_t{16}), ' ');
+    return step + tasks + data_sets + state + '\n';
+}
+
+// Neighbours of the same state share a line.
+std::string table_of(const PartFolder& folder, const Plan& plan, const char* step) {
+    std::string text;
+    for (std::size_t t = 0; t < plan.tasks.size();) {
+        const TaskState first = state_of(folder, step, plan.tasks[t]);
+        std::size_t last = t;
+        while (first.worker.empty() && last + 1 < plan.tasks.size()) {
+            const TaskState next = state_of(folder, step, plan.tasks[last + 1]);
+            if (next.state != first.state || !next.worker.empty()) break;
+            ++last;
+        }
+        text += row(step, range_text(first.task.number, plan.tasks[last].number),
+                    range_text(first.task.first, plan.tasks[last].end() - 1),
+                    first.state + (first.worker.empty() ? "" : ' ' + first.worker));
+        t = last + 1;
+    }
+    return text;
+}
+
+}  // namespace
+
+CLI::App* add_status_command(CLI::App& app, StatusOptions& options) {
+    CLI::App* const status = app.add_subcommand("status", "how far the tasks of a plan are");
+    status->add_option("DIR", options.folder, "of vort plan, or of a run")->required();
+    status->add_flag("--json", options.json, "for programs");
+    return status;
+}
+
+void show_status(const StatusOptions& options) {
+    const PartFolder folder(options.folder);
+    const Plan plan = read_plan(folder.plan_path());
+    Terminal terminal;
+    if (options.json) return terminal.print(json_of(folder, plan, options.folder).dump(2) + '\n');
+    std::string text = row("STEP", "TASKS", "DATA SETS", "STATE");
+    for (const char* step : kSteps) text += table_of(folder, plan, step);
+    text += row("merge", "", "", has_results(folder, options.folder) ? "done" : "missing");
+    terminal.print(text);
+}
+
+}  // namespace vort

@@ -1,0 +1,104 @@
+#include "parts/part_file.h"
+
+#include "common/input_error.h"
+#include "common/output_file.h"
+#include "common/stop.h"
+#include "parts/bytes.h"
+#include "parts/sha256.h"
+#include "results/table_text.h"
+
+namespace vort {
+
+namespace {
+
+constexpr std::string_view kMark = "vort part\n";
+constexpr std::uint64_t kVersion = 1;
+constexpr std::size_t kDigits = 64;
+constexpr const char* kRemedy = "remove it and run its task again";
+
+struct Title {
+    PartTitle title;
+    std::string_view payload;
+};
+
+Title parsed(std::string_view bytes) {
+    ByteReader in(bytes);
+    Title read;
+    ByteReader::require(in.get<std::uint64_t>() == kVersion);
+    read.title.kind = in.get_text();
+    read.title.fingerprint = in.get_text();
+    read.title.task = in.get<int>();
+    read.title.first = in.get<int>();
+    read.title.count = in.get<int>();
+    read.payload = in.get_text();
+    in.require_end();
+    return read;
+}
+
+std::string name_of(const PartTitle& title) {
+    return title.kind + " part of task " + std::to_string(title.task) + ", data sets " +
+           std::to_string(title.first) + " to " + std::to_string(title.first + title.count - 1);
+}
+
+[[noreturn]] void refuse(const std::string& path, const std::string& what) {
+    input_error(path, 0, what + "; " + kRemedy);
+}
+
+void require_title(const std::string& path, const PartTitle& found, const PartTitle& title) {
+    if (found.fingerprint != title.fingerprint) {
+        refuse(path, "belongs to another plan, or to an earlier form of this one");
+    }
+    if (found == title) return;
+    refuse(path, "is the " + name_of(found) + "; the " + name_of(title) + " was expected");
+}
+
+}  // namespace
+
+std::string part_bytes(const PartTitle& title, std::string_view payload) {
+    ByteWriter out;
+    out.put(kVersion);
+    out.put(title.kind);
+    out.put(title.fingerprint);
+    out.put(title.task);
+    out.put(title.first);
+    out.put(title.count);
+    out.put(payload);
+    std::string bytes(kMark);
+    bytes += out.bytes();
+    return bytes += sha256(bytes);
+}
+
+void write_part(const std::string& path, const PartTitle& title, std::string_view payload,
+                Diagnostics& diagnostics) {
+    WholeFile file(path, diagnostics);
+    if (!file.is_open() || !file.write(part_bytes(title, payload)) || !file.take_name()) {
+        stop("", 1);
+    }
+}
+
+std::string payload_of(std::string_view bytes, const std::string& path, const PartTitle& title) {
+    if (!bytes.starts_with(kMark)) refuse(path, "is no part of a run");
+    if (bytes.size() < kMark.size() + kDigits ||
+        sha256(bytes.substr(0, bytes.size() - kDigits)) != bytes.substr(bytes.size() - kDigits)) {
+        refuse(path, "is damaged: its checksum does not agree");
+    }
+    bytes.remove_prefix(kMark.size());
+    bytes.remove_suffix(kDigits);
+    try {
+        const Title found = parsed(bytes);
+        require_title(path, found.title, title);
+        return std::string(found.payload);
+    } catch (const MalformedBytes&) {
+        refuse(path, "is of another version of the program");
+    }
+}
+
+std::string read_part(const std::string& path, const PartTitle& title) {
+    return payload_of(read_bytes(path, "a part of the plan expected"), path, title);
+}
+
+void refuse_payload(const std::string& path) {
+    refuse(path, "holds what cannot be");
+}
+
+}  // namespace vort

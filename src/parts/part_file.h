@@ -1,0 +1,44 @@
+// A part: a file with some of what a run computes, which another process takes up.
+//
+// It says what it is, of which plan and which data sets, and ends with the SHA-256 of all that
+// stands before. It gets its name when all of it is on the disk. So what bears the name of a part
+// is whole, or can be told not to be:
+//
+//     "vort part\n"  8 bytes version  kind  fingerprint  task  first  count  payload  64 digits
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "common/diagnostics.h"
+
+namespace vort {
+
+// What a part is of.
+struct PartTitle {
+    std::string kind;         // "screen", "model", ...
+    std::string fingerprint;  // of the plan
+    int task = 0;
+    int first = 0;  // data set
+    int count = 0;
+
+    bool operator==(const PartTitle&) const = default;
+};
+
+std::string part_bytes(const PartTitle& title, std::string_view payload);
+
+// A part that cannot be written to its end, told on standard error, stops the run with status 1.
+void write_part(const std::string& path, const PartTitle& title, std::string_view payload,
+                Diagnostics& diagnostics);
+
+// The payload. Throws InputError, naming the file, where it cannot be read, is damaged, belongs to
+// another plan, or is not the part that `title` asks for.
+std::string read_part(const std::string& path, const PartTitle& title);
+
+// The same of bytes that are said to come from `path`.
+std::string payload_of(std::string_view bytes, const std::string& path, const PartTitle& title);
+
+// Where the payload itself makes no sense, though its checksum is right.
+[[noreturn]] void refuse_payload(const std::string& path);
+
+}  // namespace vort
