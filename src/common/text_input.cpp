@@ -114,6 +114,7 @@ bool TextInput::has_byte_order_mark() {
 
 std::string TextInput::rest() {
     std::string text;
+    text.reserve(end_ - next_ + (size_ > read_ ? size_ - read_ : 0));
     do {
         text.append(buffer_.data() + next_, end_ - next_);
         next_ = end_;

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace vort {
@@ -19,6 +20,8 @@ static_assert(std::endian::native == std::endian::little, "parts hold numbers as
 
 class ByteWriter {
   public:
+    explicit ByteWriter(std::string before = {}) : bytes_(std::move(before)) {}
+
     template <typename T>
     requires std::is_arithmetic_v<T>
     void put(T value) { bytes_.append(reinterpret_cast<const char*>(&value), sizeof value); }
@@ -37,7 +40,7 @@ class ByteWriter {
         put(std::span<const T>(values));
     }
 
-    const std::string& bytes() const { return bytes_; }
+    std::string take() && { return std::move(bytes_); }
 
   private:
     std::string bytes_;

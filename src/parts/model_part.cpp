@@ -114,7 +114,7 @@ std::string bytes_of(const ModelPart& part) {
     }
     out.put(static_cast<char>(part.observed.importance.empty() ? 0 : 1));
     if (!part.observed.importance.empty()) put_observed(out, part.observed);
-    return out.bytes();
+    return std::move(out).take();
 }
 
 ModelPart model_part_of(std::string_view bytes, const PartSizes& sizes) {

@@ -1,5 +1,7 @@
 #include "parts/part_file.h"
 
+#include <utility>
+
 #include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
@@ -55,7 +57,7 @@ void require_title(const std::string& path, const PartTitle& found, const PartTi
 }  // namespace
 
 std::string part_bytes(const PartTitle& title, std::string_view payload) {
-    ByteWriter out;
+    ByteWriter out{std::string(kMark)};
     out.put(kVersion);
     out.put(title.kind);
     out.put(title.fingerprint);
@@ -63,8 +65,7 @@ std::string part_bytes(const PartTitle& title, std::string_view payload) {
     out.put(title.first);
     out.put(title.count);
     out.put(payload);
-    std::string bytes(kMark);
-    bytes += out.bytes();
+    std::string bytes = std::move(out).take();
     return bytes += sha256(bytes);
 }
 
@@ -76,7 +77,8 @@ void write_part(const std::string& path, const PartTitle& title, std::string_vie
     }
 }
 
-std::string payload_of(std::string_view bytes, const std::string& path, const PartTitle& title) {
+std::string_view payload_of(std::string_view bytes, const std::string& path,
+                            const PartTitle& title) {
     if (!bytes.starts_with(kMark)) refuse(path, "is no part of a run");
     if (bytes.size() < kMark.size() + kDigits ||
         sha256(bytes.substr(0, bytes.size() - kDigits)) != bytes.substr(bytes.size() - kDigits)) {
@@ -87,14 +89,14 @@ std::string payload_of(std::string_view bytes, const std::string& path, const Pa
     try {
         const Title found = parsed(bytes);
         require_title(path, found.title, title);
-        return std::string(found.payload);
+        return found.payload;
     } catch (const MalformedBytes&) {
         refuse(path, "is of another version of the program");
     }
 }
 
-std::string read_part(const std::string& path, const PartTitle& title) {
-    return payload_of(read_bytes(path, "a part of the plan expected"), path, title);
+std::string read_part(const std::string& path) {
+    return read_bytes(path, "a part of the plan expected");
 }
 
 void refuse_payload(const std::string& path) {

@@ -31,12 +31,13 @@ std::string part_bytes(const PartTitle& title, std::string_view payload);
 void write_part(const std::string& path, const PartTitle& title, std::string_view payload,
                 Diagnostics& diagnostics);
 
-// The payload. Throws InputError, naming the file, where it cannot be read, is damaged, belongs to
-// another plan, or is not the part that `title` asks for.
-std::string read_part(const std::string& path, const PartTitle& title);
+// All of a part's bytes. Throws InputError where they cannot be read.
+std::string read_part(const std::string& path);
 
-// The same of bytes that are said to come from `path`.
-std::string payload_of(std::string_view bytes, const std::string& path, const PartTitle& title);
+// The payload among the bytes, which are said to come from `path`. Throws InputError, naming the
+// file, where it is damaged, belongs to another plan, or is not the part that `title` asks for.
+std::string_view payload_of(std::string_view bytes, const std::string& path,
+                            const PartTitle& title);
 
 // Where the payload itself makes no sense, though its checksum is right.
 [[noreturn]] void refuse_payload(const std::string& path);

@@ -101,7 +101,7 @@ void Parts::write_start(const Task& task, std::span<const short> start) const {
     ByteWriter out;
     const std::vector<signed char> narrow(start.begin(), start.end());
     out.put(narrow);
-    write_part(folder_.part_path(kStart, task.number), title(kStart, task), out.bytes(),
+    write_part(folder_.part_path(kStart, task.number), title(kStart, task), std::move(out).take(),
                diagnostics_);
 }
 
@@ -121,7 +121,8 @@ auto Parts::read(const char* kind, const Task& task, Parse parse) const {
 
 template <typename Parse>
 auto Parts::read_from(const std::string& path, const PartTitle& title, Parse parse) const {
-    const std::string payload = read_part(path, title);
+    const std::string bytes = read_part(path);
+    const std::string_view payload = payload_of(bytes, path, title);
     try {
         return parse(payload);
     } catch (const MalformedBytes&) {

@@ -138,7 +138,7 @@ std::string bytes_of(const Study& study) {
     put_people(out, study.phenotypes, study.individuals);
     put_markers(out, study.markers);
     put_clusters(out, study);
-    return out.bytes();
+    return std::move(out).take();
 }
 
 Study study_of(std::string_view bytes) {
@@ -156,7 +156,7 @@ std::string people_bytes_of(const Study& study) {
     ByteWriter out;
     out.put(study.phenotypes);
     put_clusters(out, study);
-    return out.bytes();
+    return std::move(out).take();
 }
 
 Study people_of(std::string_view bytes) {
@@ -174,7 +174,7 @@ std::string bytes_of(const HeldBack& held_back) {
     put_people(out, held_back.phenotypes, held_back.individuals);
     const Genotypes& genotypes = held_back.genotypes;
     for (int j = 0; j < genotypes.markers(); ++j) out.put(genotypes.column(j));
-    return out.bytes();
+    return std::move(out).take();
 }
 
 HeldBack held_back_of(std::string_view bytes, int markers) {

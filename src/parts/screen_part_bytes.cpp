@@ -102,7 +102,7 @@ std::string bytes_of(const ScreenPart& part) {
     for (const KeptSets& kept : part.kept) put_kept(out, kept);
     for (const std::string& text : part.console) out.put(text);
     out.put(part.fdr_report);
-    return out.bytes();
+    return std::move(out).take();
 }
 
 ScreenPart screen_part_of(std::string_view bytes, const PartSizes& sizes) {
@@ -127,7 +127,7 @@ std::string bytes_of(const DrawsPart& part) {
     ByteWriter out;
     out.put(part.draws);
     out.put(part.pairs);
-    return out.bytes();
+    return std::move(out).take();
 }
 
 DrawsPart draws_part_of(std::string_view bytes, int data_sets) {

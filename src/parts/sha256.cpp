@@ -32,22 +32,36 @@ void require(bool done) {
     if (!done) throw std::bad_alloc();
 }
 
+// With a context of its own, since OpenSSL's shared one does not notice that it lacks memory.
+class Algorithm {
+  public:
+    Algorithm() : library_(OSSL_LIB_CTX_new()) {
+        require(library_ != nullptr);
+        kind_.reset(EVP_MD_fetch(library_.get(), "SHA256", nullptr));
+        require(kind_ != nullptr);
+    }
+    const EVP_MD* kind() const { return kind_.get(); }
+
+  private:
+    std::unique_ptr<OSSL_LIB_CTX, Freed<OSSL_LIB_CTX_free>> library_;
+    std::unique_ptr<EVP_MD, Freed<EVP_MD_free>> kind_;
+};
+
+// To make it takes as long as the checksum of a megabyte.
+const Algorithm& algorithm() {
+    static const Algorithm made;
+    return made;
+}
+
 }  // namespace
 
-// With a context of its own, since the shared one does not notice that it lacks memory.
 struct Sha256::State {
-    std::unique_ptr<OSSL_LIB_CTX, Freed<OSSL_LIB_CTX_free>> library{OSSL_LIB_CTX_new()};
-    std::unique_ptr<EVP_MD, Freed<EVP_MD_free>> kind;
-    std::unique_ptr<EVP_MD_CTX, Freed<EVP_MD_CTX_free>> digest;
+    std::unique_ptr<EVP_MD_CTX, Freed<EVP_MD_CTX_free>> digest{EVP_MD_CTX_new()};
 };
 
 Sha256::Sha256() : state_(std::make_unique<State>()) {
-    if (state_->library) {
-        state_->kind.reset(EVP_MD_fetch(state_->library.get(), "SHA256", nullptr));
-    }
-    if (state_->kind) state_->digest.reset(EVP_MD_CTX_new());
     require(state_->digest &&
-            EVP_DigestInit_ex(state_->digest.get(), state_->kind.get(), nullptr) == 1);
+            EVP_DigestInit_ex(state_->digest.get(), algorithm().kind(), nullptr) == 1);
 }
 
 Sha256::~Sha256() = default;
