@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "cli/exit_status.h"
+#include "common/directory_names.h"
 #include "common/input_error.h"
 
 namespace vort {
@@ -33,12 +34,10 @@ void InputGuard::add(std::span<const std::string> paths) {
 }
 
 void InputGuard::add_folder(const std::string& folder) {
-    std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        const std::string path = entry->path().string();
+    for_each_name(folder, [&](int, const char* name) {
+        const std::string path = fs::path(folder) / name;
         add({&path, 1});
-    }
+    });
 }
 
 const InputGuard::Seen* InputGuard::first_changed() const {

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <vector>
 
 #include "cli/ranges.h"
 
@@ -76,21 +77,29 @@ void add_filters(CLI::App& command, Filters& filters) {
     throw CLI::ValidationError(text, CLI::ExitCodes::ValidationError);
 }
 
-StudyFormat format_of(const InputOptions& options) {
+std::vector<StudyFormat> chosen_formats(const InputOptions& options) {
     const StudyFiles& files = options.request.files;
-    const bool bed = !options.bfile.empty() || !files.bed.empty() || !files.fam.empty();
-    const bool vcf = !files.vcf.empty();
-    const bool raw = !files.raw.empty();
-    const bool directory = !files.directory.empty();
-    if (int{bed} + int{vcf} + int{raw} + int{directory} != 1) {
-        misused("exactly one of --bfile, --vcf, --raw and --study is expected");
+    std::vector<StudyFormat> chosen;
+    if (!options.bfile.empty() || !files.bed.empty() || !files.fam.empty()) {
+        chosen.push_back(StudyFormat::kBed);
     }
-    if (vcf) return StudyFormat::kVcf;
-    if (raw) return StudyFormat::kRaw;
-    return directory ? StudyFormat::kDirectory : StudyFormat::kBed;
+    if (!files.vcf.empty()) chosen.push_back(StudyFormat::kVcf);
+    if (!files.raw.empty()) chosen.push_back(StudyFormat::kRaw);
+    if (!files.directory.empty()) chosen.push_back(StudyFormat::kDirectory);
+    return chosen;
+}
+
+StudyFormat format_of(const InputOptions& options) {
+    const std::vector<StudyFormat> chosen = chosen_formats(options);
+    if (chosen.size() == 1) return chosen.front();
+    misused("exactly one of --bfile, --vcf, --raw and --study is expected");
 }
 
 }  // namespace
+
+bool is_chosen(const InputOptions& options) {
+    return !chosen_formats(options).empty();
+}
 
 void add_input_options(CLI::App& command, InputOptions& options) {
     add_files(command, options);

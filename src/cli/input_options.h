@@ -25,6 +25,9 @@ void add_within_options(CLI::App& command, InputOptions& options);
 // The same without filters of markers and by rates, for a command that does not need phenotypes.
 void add_people_options(CLI::App& command, InputOptions& options);
 
+// Whether any input is named, once the command line is read.
+bool is_chosen(const InputOptions& options);
+
 // What they ask for, once the command line is read. Throws CLI::ValidationError where not exactly
 // one input is named.
 StudyRequest study_request(const InputOptions& options);

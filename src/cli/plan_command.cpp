@@ -25,6 +25,13 @@ constexpr const char* kPlanFile[] = {kPlanName};
 constexpr int kMostTasks = 100000;
 
 // A new one; the members stand in the order in which they come to be.
+// What tasks are to compare with what they find.
+void require_known(const PlannedFile& planned, const std::string& path) {
+    const bool regular = planned.sha256.front() != '(';
+    if (planned.sha256 != kNotReadAgain && (planned.modified != 0 || !regular)) return;
+    input_error(path, 0, "could not be read again for its checksum; plan anew");
+}
+
 class Planner {
   public:
     Planner(const PlanOptions& options, const GivenOptions& given)
@@ -104,6 +111,7 @@ void Planner::write_parts() {
     const std::vector<Checksum> taken = checksums.take();
     for (std::size_t k = 0; k < taken.size(); ++k) plan_.inputs[k].sha256 = taken[k].sha256;
     for (const PlannedFile& input : plan_.inputs) {
+        require_known(input, input.file.path);
         if (analysis_.data.genotypes.is_mapped() && input.file.role == "bed") {
             plan_.genotypes = input;
         }
@@ -122,6 +130,7 @@ void Planner::save_genotypes() {
     plan_.genotypes = planned_file({"genotypes", std::filesystem::absolute(path).string()});
     plan_.genotypes.file.path.clear();
     plan_.genotypes.sha256 = sha256_of(path, wanted);
+    require_known(plan_.genotypes, path);
 }
 
 void Planner::write_starts(const Parts& parts) const {

@@ -162,7 +162,7 @@ void Run::work() {
     watch_.begin("tasks");
     const Parts parts(part_folder_, plan_, diagnostics_);
     StageCounts todo = count_todo(plan_, part_folder_);
-    if (begun_ && todo != StageCounts{}) {
+    if (begun_) {
         terminal_.say("goes on where the earlier run was: " +
                       std::to_string(plan_.data_sets() - todo.front()) + " of " +
                       std::to_string(plan_.data_sets()) + " data sets are screened");
@@ -229,8 +229,11 @@ void Run::leave() noexcept {
 
 std::optional<Plan> begun_plan(const RunOptions& options) {
     const PartFolder parts(options.out);
-    std::error_code absent;
-    if (!std::filesystem::exists(parts.plan_path(), absent)) return std::nullopt;
+    std::error_code failure;
+    if (!std::filesystem::exists(parts.plan_path(), failure)) {
+        if (failure) input_error(parts.plan_path(), 0, "cannot be read: " + failure.message());
+        return std::nullopt;
+    }
     if (!options.resume) {
         if (options.force) return std::nullopt;
         input_error(parts.plan_path(), 0,
@@ -267,6 +270,11 @@ CLI::App* add_run_command(CLI::App& app, RunOptions& options) {
 
 void run_study(RunOptions options, const GivenOptions& given) {
     std::optional<Plan> begun = begun_plan(options);
+    if (!begun && options.resume && !is_chosen(options.input)) {
+        throw CLI::ValidationError(options.out +
+                                   ": no run was begun there, or it has ended; one that is to be "
+                                   "begun needs its input");
+    }
     if (!begun) return Run(options, given, std::nullopt).run();
     require_planned(given, *begun, PartFolder(options.out).plan_path());
     const GivenOptions planned = begun->options;

@@ -1,7 +1,12 @@
 #include "parts/part_folder.h"
 
-#include <filesystem>
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <string_view>
+
+#include "common/directory_names.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
 #include "parts/bytes.h"
@@ -20,10 +25,9 @@ constexpr const char* kStart = "start";
 constexpr const char* kHeldBack = "holdout";
 
 // Whatever else lies in the folder is somebody else's.
-bool is_own(const fs::path& file) {
-    const fs::path ending = file.extension();
-    return ending == ".part" || ending == ".running" || ending == ".unfinished" ||
-           file.filename() == "genotypes.bed";
+bool is_own(std::string_view file) {
+    return file.ends_with(".part") || file.ends_with(".running") || file.ends_with(".unfinished") ||
+           file == "genotypes.bed";
 }
 
 }  // namespace
@@ -43,12 +47,9 @@ void PartFolder::remove() const {
     std::error_code failure;
     fs::remove(plan_path(), failure);
     fs::remove(unfinished_name(plan_path()), failure);
-    std::vector<fs::path> own;
-    for (fs::directory_iterator entry(path_, failure), end; !failure && entry != end;
-         entry.increment(failure)) {
-        if (is_own(entry->path())) own.push_back(entry->path());
-    }
-    for (const fs::path& file : own) fs::remove(file, failure);
+    for_each_name(path_, [](int parts, const char* name) {
+        if (is_own(name)) ::unlinkat(parts, name, 0);
+    });
     fs::remove(fs::path(path_).parent_path(), failure);  // where it is empty
 }
 

@@ -102,12 +102,26 @@ class Harness:
         shutil.copytree(scenario.folder, folder)
         return folder, folder.parent / "log"
 
+    def run_before(self, words, folder, killed_at):
+        """A command that comes before a scenario's own; killed before a call, it has succeeded."""
+        environment = dict(os.environ)
+        if killed_at:
+            kind, _, name = killed_at.partition(" ")
+            environment |= {"VORT_FAULTS_WATCH": str(folder), "LD_PRELOAD": str(self.library),
+                            "VORT_FAULTS_AT": f"{kind} 1 {name}",
+                            "VORT_FAULTS_DO": "kill-before"}
+        done = subprocess.run([self.program, *words], cwd=folder, capture_output=True,
+                              env=environment)
+        if killed_at and done.returncode == -9:
+            done.returncode = 0
+        return done
+
     def prepare(self):
         base = self.work / "base"
         base.mkdir()
         make_base(base)
         for scenario in self.scenarios.values():
-            prepare(scenario, base, self.work / "studies" / scenario.name, self.program)
+            prepare(scenario, base, self.work / "studies" / scenario.name, self.run_before)
             self.record(scenario)
 
     def record(self, scenario):
@@ -119,7 +133,7 @@ class Harness:
         if done.returncode != 0:
             raise SystemExit(f"{scenario.name}: {done.stderr.decode()}")
         scenario.right = judge.left
-        scenario.right_extra = {name: text for name, text in judge.files.items()
+        scenario.right_extra = {name: masked(name, text) for name, text in judge.files.items()
                                 if any(map(name.startswith, scenario.extra))}
         scenario.parameters = judge.files.get("parameter.txt")
         scenario.stdout = masked("<stdout>", done.stdout)
@@ -144,11 +158,15 @@ class Harness:
 
     def run_again(self, scenario, folder):
         place = folder if scenario.out == "." else folder / scenario.out
-        force = (not scenario.bare and scenario.words[0] != "report"
-                 and "--force" not in scenario.words
+        force = (scenario.words[:1] in (["run"], ["plan"], ["merge"], ["predict"], ["import"])
+                 and not {"--force", "--extend"} & set(scenario.words)
                  and any((place / name).exists() for name in scenario.results))
         resume = scenario.words[:1] == ["run"] and (place / "plan.json").exists()
+        if "--resume" in scenario.words and not resume:  # the run was at its end
+            return []
         words = ["--resume"] if resume else ["--force"] if force else []
+        if "--resume" in scenario.words:
+            words = []
         try:
             done = self.run(scenario, folder, words=words)
         except subprocess.TimeoutExpired:
@@ -166,7 +184,7 @@ class Harness:
         """The log of a run with --force or --resume differs in its command alone."""
         log = folder / "out/run.log"
         if log.exists():
-            text = re.sub(rb"--out out( --force)? --(force|resume)\b", rb"--out out\1",
+            text = re.sub(rb" out( --force)? --(force|resume)\b", rb" out\1",
                           log.read_bytes())
             log.write_bytes(text)
 

@@ -69,7 +69,8 @@ class Judge:
         return self.left == self.scenario.right and self.extra_is_right()
 
     def extra_is_right(self):
-        return all(self.files.get(name) == text for name, text in self.scenario.right_extra.items())
+        return all(masked(name, self.files.get(name, b"")) == text
+                   for name, text in self.scenario.right_extra.items())
 
     def differences(self):
         right = self.scenario.right
@@ -107,10 +108,11 @@ class Judge:
 
     def judge_nothing_new(self):
         """No result of this run, and the earlier ones as they were, or some of them and no sign
-        that they are whole. A single result may be the new one; and names that have to stay, since
-        no file can be renamed any more, are as after a kill."""
+        that they are whole. A single result may be the new one; names that have to stay, since no
+        file can be renamed any more, are as after a kill; and so are the parts of a task, each of
+        which is whole."""
         renaming_fails = self.fault.position.startswith("rename ") and self.fault.deed.endswith("+")
-        if renaming_fails or (len(self.scenario.results) == 1 and self.left == self.scenario.right):
+        if renaming_fails or self.scenario.words[0] == "task" or (len(self.scenario.results) == 1 and self.left == self.scenario.right):
             return self.judge_killed()
         new = [name for name, text in self.left.items() if self.earlier.get(name) != text]
         if new:

@@ -32,6 +32,7 @@ class Scenario:
     extra: tuple = ()  # files that a run that succeeds leaves beside its results
     threads: int = 1
     before: list = None  # a command that leaves earlier results, or a list of commands
+    killed_at: str = None  # where the last of these is killed; the position's kind and file
     watched_stdout: bool = False
     thorough: bool = True  # else few of its positions are tried
     only_inputs: bool = False  # faults of other files are those of another scenario
@@ -83,6 +84,16 @@ def scenarios():
     predicted = {"words": ["predict", "--model", "model", "--bfile", "study", "--out", "p.tsv"],
                  "inputs": BED, "results": ("p.json", "p.tsv"), "out": ".",
                  "before": [[*bed["words"][:-1], "model"]]}
+    # Somebody is left out, so that all that tasks read is in the folder of the parts.
+    kept = ["--bfile", "study", "--keep", "keep.txt", *SETTINGS, "--out", "out"]
+    kept_inputs = [*BED, "keep.txt"]
+    plan = ["plan", *kept, "--tasks", "2"]
+    steps = [["task", step, "out", task] for step in ("screen", "model") for task in "01"]
+
+    def task(step, *before):
+        return {"words": ["task", step, "out", "1"], "inputs": kept_inputs, "out": "out/parts",
+                "before": [plan, *before]}
+
     bare = {"words": [], "inputs": TEXT, "results": REPORTS, "out": "."}
     return [
         Scenario("bare", **bare, watched_stdout=True),
@@ -112,6 +123,18 @@ def scenarios():
         Scenario("run-prepared", **run_words("--bfile", "study", "--prepared", "prepared",
                                              inputs=BED), before=[*prepared[:-1], "other"]),
         Scenario("run-holdout", **run_words("--bfile", "study", "--holdout", "0.3", inputs=BED)),
+        Scenario("run-resume", words=["run", "--resume", "--out", "out"], inputs=kept_inputs,
+                 before=["run", *kept], killed_at="rename out/parts/screen-1.part",
+                 extra=("out/parts", "out/plan.json")),
+        Scenario("plan", words=plan, inputs=kept_inputs, results=("plan.json",),
+                 extra=("out/parts",)),
+        Scenario("plan-extend", words=["plan", "--extend", "out", "--permutations", "5"],
+                 inputs=kept_inputs, before=[plan, *steps[:1]], results=("plan.json",),
+                 extra=("out/parts",)),
+        Scenario("task-screen", **task("screen", *steps[:1]),
+                 results=("screen-1.part", "draws-1.part")),
+        Scenario("task-model", **task("model", *steps[:2]), results=("model-1.part",)),
+        Scenario("merge", words=["merge", "out"], inputs=kept_inputs, before=[plan, *steps]),
         Scenario("predict", **predicted),
         Scenario("predict-force", **{**predicted, "words": [*predicted["words"], "--force"],
                                      "inputs": [*BED, "keep.txt"],
@@ -132,7 +155,7 @@ def contents(folder):
             for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
-def prepare(scenario, base, folder, program):
+def prepare(scenario, base, folder, run):
     """Makes the folder in which the scenario's command is to be run."""
     scenario.folder = folder
     for name in scenario.inputs:
@@ -145,7 +168,8 @@ def prepare(scenario, base, folder, program):
     elif scenario.before:
         commands = scenario.before if isinstance(scenario.before[0], list) else [scenario.before]
         for words in commands:
-            subprocess.run([program, *words], cwd=folder, check=True, capture_output=True)
+            killed_at = scenario.killed_at if words is commands[-1] else None
+            run(words, folder, killed_at).check_returncode()
         if scenario.name == "run-prepared":
             shutil.rmtree(folder / "other")
         if scenario.name == "report":
@@ -189,13 +213,16 @@ def make_base(folder):
 # What differs between two runs of the same command.
 CHANGING = {
     "run.log": [rb"(?m)^(started|ended|memory) .*$", rb"(?m)^ +\d+\.\d{3}(?=  )",
-                rb"(?m)^Time .*$"],
+                rb"(?m)^(Time|Report|vort: goes on where) .*$"],
     "console.txt": [rb"(?m)^(time of pvalue |Total time=).*$"],
-    "<stdout>": [rb"(?m)^(time of pvalue |Total time=|Time +).*$"],
+    "<stdout>": [rb"(?m)^(time of pvalue |Total time=|(Time|Report) +).*$"],
+    # Plans know where they were made, and parts of which plan they are.
+    "plan.json": [rb'"(directory|fingerprint|modified)": .*'],
+    ".part": [rb"[0-9a-f]{64}"],
 }
 
 
 def masked(name, text):
-    for pattern in CHANGING.get(name, []):
+    for pattern in CHANGING.get(".part" if name.endswith(".part") else name, []):
         text = re.sub(pattern, b"*", text)
     return text
