@@ -212,7 +212,7 @@ def make_base(folder):
 
 # What differs between two runs of the same command.
 CHANGING = {
-    "run.log": [rb"(?m)^(started|ended|memory) .*$", rb"(?m)^ +\d+\.\d{3}(?=  )",
+    "run.log": [rb"(?m)^(started|ended|host|memory) .*$", rb"(?m)^ +\d+\.\d{3}(?=  )",
                 rb"(?m)^(Time|Report|vort: goes on where) .*$"],
     "console.txt": [rb"(?m)^(time of pvalue |Total time=).*$"],
     "<stdout>": [rb"(?m)^(time of pvalue |Total time=|(Time|Report) +).*$"],
