@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <type_traits>
 
 #include "common/number_text.h"
 
@@ -15,7 +16,10 @@ CLI::Validator within(T low, T high) {
         if (CLI::detail::lexical_cast(text, value) && value >= low && value <= high) {
             return std::string();
         }
-        const auto number = [](T limit) { return to_text(general(static_cast<double>(limit))); };
+        const auto number = [](T limit) {
+            if constexpr (std::is_integral_v<T>) return std::to_string(limit);
+            return to_text(general(static_cast<double>(limit)));
+        };
         return text + "; a number from " + number(low) + " to " + number(high) + " expected";
     };
     return {check, ""};

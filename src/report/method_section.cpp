@@ -46,6 +46,17 @@ std::string within_html(const ModelView& view) {
                             "own p-values, lambda and the model's fit do not.");
 }
 
+std::string structure_html(const ModelView& view) {
+    if (view.within_file.empty()) {
+        return "Population structure is not adjusted for. Where cases and controls differ in "
+               "ancestry, markers\nthat differ between the ancestries show up, in the model as "
+               "well.";
+    }
+    return "Tests and model are not adjusted for population structure, permutations are, as far "
+           "as clusters go:\nmarkers that differ between ancestries still have small p-values of "
+           "their own, and structure inside a\ncluster still shows up in everything.";
+}
+
 }  // namespace
 
 void method_parts(const ModelView& view, PageParts& parts) {
@@ -60,6 +71,7 @@ void method_parts(const ModelView& view, PageParts& parts) {
     table.add({"vort", view.version, "the program"});
     table.add({"Chart.js", chartjs_version(), "the charts"});
     parts["method"] = within_html(view) + table.html();
+    parts["structure"] = structure_html(view);
 }
 
 }  // namespace vort
