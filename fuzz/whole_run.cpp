@@ -1,10 +1,11 @@
 // Whole runs of tiny studies: the program's own engine against the plain form, to the last byte.
 //
 // Several looks at each study. The engine's analysis with console text, on one to three threads:
-// its console, its files, every statistic. The stages without text, which take other paths, on
-// another number of threads: ranking, designs, coefficients; or the analysis without text, by way
-// of prepared files. Then the two stages that can be asked for a set of instructions, with each
-// that the processor has, and the search of pairs with a cut-off that one pair just fails.
+// its console, its files. The stages without text, which take other paths, on another number of
+// threads: ranking, designs, coefficients; or the analysis cut into tasks, with text, or without
+// and by way of prepared files: its results, every statistic and count. Then the two stages that
+// can be asked for a set of instructions, with each that the processor has, and the search of pairs
+// with a cut-off that one pair just fails.
 //
 // With VORT_FUZZ_STUDY=FOLDER in the environment nothing is compared: an input is written to the
 // folder, which is there, as a study that the program can be run on.
@@ -20,6 +21,7 @@
 #include "plain/run.h"
 #include "screening/screening.h"
 #include "support/builder_study.h"
+#include "support/cut_run.h"
 #include "support/files.h"
 #include "support/harness.h"
 #include "support/instruction_sets.h"
@@ -82,33 +84,6 @@ std::string of(const char* what, int d) {
     return std::string(what) + " of data set " + std::to_string(d);
 }
 
-// What the analysis tells of each data set, as it comes.
-class Comparison : public Observer {
-  public:
-    explicit Comparison(const PlainRun& plain) : plain_(plain) {}
-
-    void screened(const ScreenedView& view) override {
-        const PlainDataSet& set = plain_.data_sets.at(static_cast<std::size_t>(view.data_set));
-        expect_bits(of("the p-values", view.data_set), view.pvalues, set.pvalues);
-        const int best = set.ranking.empty() ? -1 : set.ranking.front();
-        const double smallest = best < 0 ? 1 : set.pvalues[static_cast<std::size_t>(best)];
-        expect_bits(of("the smallest p-value", view.data_set), {&view.smallest_pvalue, 1},
-                    {&smallest, 1});
-        if (view.data_set == 0) expect_list("the whole ranking", view.ranking, set.ranking);
-    }
-    void modelled(const ModelledView& view) override {
-        require(view.data_set == modelled_++, "models come in order");
-        require(view.data_set < plain_.modelled, "no more data sets are modelled than plainly");
-        const PlainDataSet& set = plain_.data_sets[static_cast<std::size_t>(view.data_set)];
-        expect_bits(of("the statistic", view.data_set), {&view.statistic, 1}, {&set.statistic, 1});
-        require(view.learners == set.learners, "as many base learners as plainly");
-    }
-
-  private:
-    const PlainRun& plain_;
-    int modelled_ = 0;
-};
-
 StudyData data_of(const TinyStudy& study) {
     return {testing::packed(study.individuals(), study.columns), study.phenotypes, table_of(study)};
 }
@@ -138,69 +113,105 @@ void expect_result(const Result& fast, const Result& plain) {
     }
 }
 
-// An analysis, and what it leaves.
-struct FastRun {
-    FastRun(const TinyStudy& study, AnalysisOptions options, Observer& observer) {
-        static Files files;
-        StudyData data = data_of(study);
-        const std::string folder = files.path() + "/";
-        options.folder = folder;
-        if (!options.save_prepared.empty()) options.save_prepared.insert(0, folder);
-        if (!options.prepared.empty()) options.prepared.insert(0, folder);
-        std::ostringstream told;
-        Diagnostics diagnostics(told);
-        try {
-            result = analyse(
-                data, study.settings, options, [this](std::string_view text) { console += text; },
-                diagnostics, observer);
-        } catch (const Stop& stop) {
-            stopped = std::to_string(stop.status) + ' ' + stop.text;
-        }
-        pvalues = take(folder + "P_value.txt");
-        report = take(folder + "Final_result.txt");
-        left_design = take(folder + "output_X_Y.txt");
-        left_coefficients = take(folder + "beta.txt");
-        take(folder + "FDR_results.txt");
-    }
-
-    Result result;
-    std::string stopped = "goes on";
-    std::string console, pvalues, report, left_design, left_coefficients;
-};
-
-void expect_end(const FastRun& fast, const PlainRun& plain) {
-    expect_text("the end", fast.stopped, plain.stops ? plain.stopped : "goes on");
-    expect_text("P_value.txt", fast.pvalues, plain.pvalues);
-    expect_text("Final_result.txt", fast.report, plain.report);
-    expect_text("output_X_Y.txt", fast.left_design, plain.stops ? plain.left_design : "");
-    expect_text("beta.txt", fast.left_coefficients, plain.stops ? plain.left_coefficients : "");
-    if (!plain.stops) expect_result(fast.result, plain.result);
+std::string folder_of_runs() {
+    static const Files files;
+    return files.path() + "/";
 }
 
-// The analysis as the program makes it.
+void expect_reports(const PlainRun& plain) {
+    const std::string folder = folder_of_runs();
+    expect_text("P_value.txt", take(folder + "P_value.txt"), plain.pvalues);
+    expect_text("Final_result.txt", take(folder + "Final_result.txt"), plain.report);
+}
+
+// The analysis as the bare program makes it.
 void compare_analysis(const TinyStudy& study, const PlainRun& plain) {
-    AnalysisOptions options;
-    options.threads = study.threads;
-    options.rank_all = true;
-    Comparison comparison(plain);
-    const FastRun fast(study, options, comparison);
-    expect_text("the console text", testing::with_masked_seconds(fast.console), plain.console);
-    expect_end(fast, plain);
+    const std::string folder = folder_of_runs();
+    StudyData data = data_of(study);
+    std::ostringstream told;
+    Diagnostics diagnostics(told);
+    std::string console;
+    std::string stopped = "goes on";
+    Result result;
+    try {
+        result = analyse(
+            data, study.settings, {.threads = study.threads, .folder = folder},
+            [&](std::string_view text) { console += text; }, diagnostics);
+    } catch (const Stop& stop) {
+        stopped = std::to_string(stop.status) + ' ' + stop.text;
+    }
+    expect_text("the console text", testing::with_masked_seconds(console), plain.console);
+    expect_text("the end", stopped, plain.stops ? plain.stopped : "goes on");
+    expect_reports(plain);
+    const std::string design = take(folder + "output_X_Y.txt");
+    const std::string coefficients = take(folder + "beta.txt");
+    expect_text("output_X_Y.txt", design, plain.stops ? plain.left_design : "");
+    expect_text("beta.txt", coefficients, plain.stops ? plain.left_coefficients : "");
+    if (!plain.stops) expect_result(result, plain.result);
 }
 
-// Without text, by prepared files that another analysis has left; they hold phenotypes 0 and 1.
-void compare_prepared(const TinyStudy& study, const PlainRun& plain) {
-    AnalysisOptions options;
-    options.threads = study.threads % 3 + 1;
-    options.console = false;
-    options.fdr_report = true;
-    options.save_prepared = "prepared-";
-    Observer nobody;
-    expect_end(FastRun(study, options, nobody), plain);
-    if (std::ranges::any_of(study.phenotypes, is_quantity)) return;
-    options.fdr_report = false;
-    options.prepared.swap(options.save_prepared);
-    expect_end(FastRun(study, options, nobody), plain);
+// Permuted data sets in which the marker's p-value is no larger than observed.
+std::uint32_t plainly_no_weaker(const PlainRun& plain, std::size_t marker) {
+    const double observed = plain.data_sets.front().pvalues[marker];
+    const auto permuted = std::span(plain.data_sets).subspan(1);
+    return static_cast<std::uint32_t>(std::ranges::count_if(
+        permuted, [&](const PlainDataSet& set) { return set.pvalues[marker] <= observed; }));
+}
+
+void expect_record(const RunRecord& record, const PlainRun& plain, bool screened) {
+    for (int d = 0; d < static_cast<int>(plain.data_sets.size()); ++d) {
+        const RunRecord::DataSet& told = record.data_sets.at(static_cast<std::size_t>(d));
+        const PlainDataSet& set = plain.data_sets[static_cast<std::size_t>(d)];
+        if (screened && !set.ranking.empty()) {
+            require(told.best == set.ranking.front(), "the best marker as plainly");
+            expect_bits(of("the smallest p-value", d), {&told.smallest_p, 1},
+                        {&set.pvalues[static_cast<std::size_t>(told.best)], 1});
+        }
+        if (d >= plain.modelled) continue;
+        expect_bits(of("the statistic", d), {&told.statistic, 1}, {&set.statistic, 1});
+        require(told.learners == set.learners, "as many base learners as plainly");
+    }
+    if (!screened) return;
+    expect_bits("the p-values", record.observed, plain.data_sets.front().pvalues);
+    expect_list("the whole ranking", record.ranking, plain.data_sets.front().ranking);
+    for (std::size_t j = 0; j < record.no_weaker.size(); ++j) {
+        require(record.no_weaker[j] == plainly_no_weaker(plain, j), "EMP1 as plainly");
+    }
+}
+
+// The analysis as it is cut into tasks: with console text, or without and with prepared files left,
+// or by way of those.
+enum class Cut { kTold, kSaving, kPrepared };
+
+void compare_tasks(const TinyStudy& study, const PlainRun& plain, Cut cut) {
+    const StudyData data = data_of(study);
+    std::ostringstream told;
+    Diagnostics diagnostics(told);
+    const AnalysisOptions options{
+        .threads = study.threads % 3 + 1, .console = cut == Cut::kTold, .folder = folder_of_runs()};
+    TaskInput input{data, study.settings, options, diagnostics};
+    input.fdr_report = cut == Cut::kSaving;
+    const std::string prepared = options.folder + "prepared-";
+    if (cut == Cut::kSaving) input.save_prepared = prepared;
+    if (cut == Cut::kPrepared) input.prepared = prepared;
+    const CutRun run(input, study.settings.builder.usable_markers(), 1 + study.detail / 3 % 4);
+    expect_text("the end of the tasks", run.stopped, plain.stops ? plain.stopped : "goes on");
+    if (plain.stops) return;
+    expect_reports(plain);
+    expect_result(run.merged.result, plain.result);
+    expect_record(run.merged.record, plain, cut != Cut::kPrepared);
+    if (cut == Cut::kTold) {
+        expect_text("the console text of the tasks", testing::with_masked_seconds(run.console),
+                    plain.console);
+    }
+    require(run.merged.fdr_report.empty() == !input.fdr_report, "a report where one was asked for");
+}
+
+// Whether the study is one that can be cut: labels, and as many markers as are searched.
+bool can_be_cut(const TinyStudy& study) {
+    const int best_m = study.settings.builder.usable_markers();
+    return std::ranges::none_of(study.phenotypes, is_quantity) && best_m > 0 &&
+           best_m <= study.markers() && study.settings.screening.permutations >= 0;
 }
 
 // The stages one by one, without text.
@@ -327,7 +338,13 @@ void compare(const TinyStudy& study) {
     const PlainRun plain(study);
     compare_analysis(study, plain);
     if (study.detail % 3 == 0) compare_quiet_stages(study, plain);
-    if (study.detail % 6 == 1) compare_prepared(study, plain);
+    if (can_be_cut(study)) {
+        if (study.detail % 3 == 1) compare_tasks(study, plain, Cut::kTold);
+        if (study.detail % 6 == 2) {
+            compare_tasks(study, plain, Cut::kSaving);
+            compare_tasks(study, plain, Cut::kPrepared);
+        }
+    }
     for (const Instructions set : testing::instruction_sets()) {
         compare_screening(study, plain, set);
         compare_pairs(study, plain, set);
