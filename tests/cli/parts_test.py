@@ -92,7 +92,8 @@ class Parts(unittest.TestCase):
         (self.work / "batches.txt").write_text("".join(
             f"{family} {person} {self.random.randint(1, 9)}\n" for family, person in people[3:]))
         within = ["--within", "batches.txt"]
-        for study in (BED, VCF, [*VCF, "--maf", "0.2"], ["--study", "text"], [*BED, *within], [*BED, *within, "--holdout", "0.3"]):
+        for study in (BED, VCF, [*VCF, "--maf", "0.2"], ["--study", "text"], [*BED, *within],
+                      [*BED, *within, "--holdout", "0.3"]):
             permutations = self.random.randint(0, 40)
             more = ALL_RESULTS if self.random.random() < 0.7 else []
             tasks = self.random.choice([1, 2, 7, permutations + 1, permutations + 9])
