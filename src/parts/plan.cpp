@@ -60,11 +60,23 @@ std::string text_of(const Json& json) {
     return json.dump(kIndent, ' ', false, Json::error_handler_t::replace);
 }
 
+struct Contradiction {};
+
+void require(bool sound) {
+    if (!sound) throw Contradiction();
+}
+
+template <typename T>
+T whole_number(const Json& json) {
+    require(json.is_number_integer());
+    return json.get<T>();
+}
+
 PlannedFile planned_file_of(const Json& json) {
     PlannedFile planned;
     planned.file = {json.at("role").get<std::string>(), json.at("path").get<std::string>()};
-    planned.size = json.at("size").get<std::uintmax_t>();
-    planned.modified = json.at("modified").get<std::int64_t>();
+    planned.size = whole_number<std::uintmax_t>(json.at("size"));
+    planned.modified = whole_number<std::int64_t>(json.at("modified"));
     planned.sha256 = json.at("sha256").get<std::string>();
     return planned;
 }
@@ -82,16 +94,9 @@ Json json_of(const TaskNeeds& needs) {
             {"merge", stage(kMerge)}};
 }
 
-struct Contradiction {};
-
-void require(bool sound) {
-    if (!sound) throw Contradiction();
-}
-
 // Of a number that a reader must not take as it comes.
 int count_of(const Json& json, int least) {
-    require(json.is_number_integer());
-    const auto number = json.get<std::int64_t>();
+    const auto number = whole_number<std::int64_t>(json);
     require(number >= least && number < INT_MAX);
     return static_cast<int>(number);
 }
