@@ -57,13 +57,16 @@ Plan plan_for(const LoadedAnalysis& analysis, const GivenOptions& given) {
 
 std::vector<Task> tasks_of_one_process(const LoadedAnalysis& analysis) {
     const int permutations = analysis.parameters.permutations;
-    std::vector<Task> tasks = {{0, 0, 1}};
     const int least = std::max(kDataSets, (permutations + kMostTasks - 1) / kMostTasks);
     const ScreeningOptions screening =
         screening_options(analysis.data, analysis.settings, AnalysisOptions());
     const int at_once = data_sets_at_once(analysis.data.genotypes.markers(), screening);
     const int size = std::max(least / at_once, 1) * at_once;
-    for (int first = 1; first <= permutations; first += size) {
+    const RunSize run = run_size(analysis, RunOptions());
+    const double search = size * expected_seconds(run)[static_cast<std::size_t>(Stage::kSearch)];
+    std::vector<Task> tasks = {
+        {0, 0, search > pass_seconds(run) ? 1 : std::min(size, permutations + 1)}};
+    for (int first = tasks.front().end(); first <= permutations; first += size) {
         tasks.push_back(
             {static_cast<int>(tasks.size()), first, std::min(size, permutations + 1 - first)});
     }

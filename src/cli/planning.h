@@ -15,8 +15,9 @@ namespace vort {
 // All of a plan but its tasks and the checksums of its inputs.
 Plan plan_for(const LoadedAnalysis& analysis, const GivenOptions& given);
 
-// As many data sets each as a screening holds at once, the observed one by itself, since without
-// its model none of the others is needed.
+// As many data sets each as a screening holds at once. The observed one is by itself where the
+// search of the others, in vain if it has no model, takes longer than to go through the genotypes
+// twice.
 std::vector<Task> tasks_of_one_process(const LoadedAnalysis& analysis);
 
 // Stops with status 1 where it cannot be written.

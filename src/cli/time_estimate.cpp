@@ -22,6 +22,11 @@ std::array<double, kStages> expected_seconds(const RunSize& size) {
     return {screen * unit, search * unit, model * unit};
 }
 
+double pass_seconds(const RunSize& size) {
+    const double bytes = size.individuals / 4 * size.markers;
+    return 0.3 * bytes * kNanosecond / size.threads;
+}
+
 TimeEstimate::TimeEstimate(const RunSize& size, const std::array<double, kStages>& todo) {
     const std::array<double, kStages> expected = expected_seconds(size);
     for (std::size_t s = 0; s < kStages; ++s) {

@@ -28,6 +28,9 @@ struct RunSize {
 // What a data set takes in each stage, on a machine that is known, in seconds.
 std::array<double, kStages> expected_seconds(const RunSize& size);
 
+// What it takes to go through all genotypes, beside what is done with them.
+double pass_seconds(const RunSize& size);
+
 class TimeEstimate {
   public:
     // todo[s]: data sets to be worked on in stage s.

@@ -310,6 +310,7 @@ class Parts(unittest.TestCase):
              "--best-m 3 was given"),
             (["run", *BED, "--out", "cut"], 3, "a run was begun there"),
             (["run", "--resume", "--out", "cut"], 3, "is a plan of vort plan"),
+            (["run", "--resume", "--out", "new"], 2, "new: no run was begun there, or it has ended"),
         ]:
             with self.subTest(words):
                 self.vort(*words, status=status, said=said)

@@ -210,10 +210,11 @@ def make_base(folder):
     StudyFiles(folder / "case", folder / "long")
 
 
+RESUMED = rb"(?m)^vort: goes on where .*\n"
 # What differs between two runs of the same command.
 CHANGING = {
     "run.log": [rb"(?m)^(started|ended|host|memory) .*$", rb"(?m)^ +\d+\.\d{3}(?=  )",
-                rb"(?m)^(Time|Report|vort: goes on where) .*$"],
+                rb"(?m)^(Time|Report) .*$", RESUMED],
     "console.txt": [rb"(?m)^(time of pvalue |Total time=).*$"],
     "<stdout>": [rb"(?m)^(time of pvalue |Total time=|(Time|Report) +).*$"],
     # Plans know where they were made, and parts of which plan they are.
@@ -224,5 +225,5 @@ CHANGING = {
 
 def masked(name, text):
     for pattern in CHANGING.get(".part" if name.endswith(".part") else name, []):
-        text = re.sub(pattern, b"*", text)
+        text = re.sub(pattern, b"" if pattern is RESUMED else b"*", text)
     return text
