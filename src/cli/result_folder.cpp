@@ -30,6 +30,15 @@ void flush(const std::string& path) {
     throw std::system_error(file.error(), std::generic_category(), path);
 }
 
+// The standard library does not repeat what a signal interrupted.
+std::error_code remove_tree(const fs::path& path) {
+    std::error_code failure;
+    do {
+        fs::remove_all(path, failure);
+    } while (failure == std::errc::interrupted);
+    return failure;
+}
+
 std::string without_slashes(std::string path) {
     while (path.size() > 1 && path.back() == '/') path.pop_back();
     return path;
@@ -51,9 +60,8 @@ ResultFolder::ResultFolder(std::string path, std::span<const char* const> names,
     look_for_results(force);
     require_apart(inputs);
     require_outside(inputs, unfinished_);
-    discard();
-    std::error_code failure;
-    if (fs::create_directory(unfinished_, failure)) return;
+    std::error_code failure = remove_unfinished();
+    if (!failure && fs::create_directory(unfinished_, failure)) return;
     throw InputError{path_ + ": cannot be written (" + failure.message() +
                      "); a directory of your own was expected"};
 }
@@ -109,12 +117,14 @@ ResultFolder::~ResultFolder() {
     }
 }
 
-// Without the slash at its end, a link would not be followed.
 void ResultFolder::discard() {
     const std::scoped_lock lock(mutex_);
-    if (complete_) return;
-    std::error_code failure;
-    fs::remove_all(fs::path(path_) / kUnfinished, failure);
+    if (!complete_) remove_unfinished();
+}
+
+// Without the slash at its end, a link would not be followed.
+std::error_code ResultFolder::remove_unfinished() const {
+    return remove_tree(fs::path(path_) / kUnfinished);
 }
 
 void ResultFolder::require_room(double bytes) const {

@@ -10,6 +10,7 @@
 #include <mutex>
 #include <span>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/terminal.h"
@@ -61,6 +62,7 @@ class ResultFolder {
 
     void make();
     void take_lock(Terminal& terminal);
+    std::error_code remove_unfinished() const;
     void look_for_results(bool force) const;
     std::vector<Step> plan() const;
     static int give_names(std::span<const Step> steps, FileDescriptor& folder);
