@@ -8,6 +8,7 @@
 #include "cli/exit_status.h"
 #include "common/directory_names.h"
 #include "common/input_error.h"
+#include "common/path_names.h"
 
 namespace vort {
 
@@ -35,7 +36,7 @@ void InputGuard::add(std::span<const std::string> paths) {
 
 void InputGuard::add_folder(const std::string& folder) {
     for_each_name(folder, [&](int, const char* name) {
-        const std::string path = fs::path(folder) / name;
+        const std::string path = path_in(folder, name);
         add({&path, 1});
     });
 }

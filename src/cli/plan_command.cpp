@@ -162,6 +162,20 @@ std::vector<Task> further_tasks(const Plan& plan, int data_sets, int wanted) {
     return added;
 }
 
+void add_tasks(Plan& plan, std::span<const Task> added, const PartFolder& folder,
+               const LoadedAnalysis& analysis, int threads, Diagnostics& diagnostics) {
+    const Task last = plan.tasks.back();
+    const std::vector<short> start = Parts(folder, plan, diagnostics).start(last);
+    plan.tasks.insert(plan.tasks.end(), added.begin(), added.end());
+    set_permutations(plan);
+    const Parts parts(folder, plan, diagnostics);
+    draw_starts(analysis.data, std::span(plan.tasks).subspan(last.number), start, threads,
+                [&](const Task& task, std::span<const short> drawn) {
+                    if (task != last) parts.write_start(task, drawn);
+                });
+}
+
+// Said again, as after a kill, there is nothing to add.
 void extend_plan(const PlanOptions& options, const GivenOptions& given) {
     const PartFolder folder(options.extend);
     Plan plan = read_task_plan(folder);
@@ -170,29 +184,23 @@ void extend_plan(const PlanOptions& options, const GivenOptions& given) {
         throw CLI::ValidationError("--extend needs --permutations N, how many there are to be");
     }
     const int data_sets = *options.run.parameters.permutations + 1;
-    if (data_sets <= plan.data_sets()) {
+    if (data_sets < plan.data_sets()) {
         input_error(folder.plan_path(), 0,
                     "has " + std::to_string(plan.data_sets() - 1) +
-                        " permutations; more than that expected with --extend");
+                        " permutations; that many or more expected with --extend");
     }
     Terminal terminal;
     Diagnostics diagnostics(terminal.errors());
-    const Parts before(folder, plan, diagnostics);
     RunOptions run = planned_options(plan, options.run);
-    const LoadedAnalysis analysis = planned_analysis(plan, before, run, false);
-    const Task last = plan.tasks.back();
-    const std::vector<short> start = before.start(last);
-    for (const Task& task : further_tasks(plan, data_sets, options.tasks)) {
-        plan.tasks.push_back(task);
+    const LoadedAnalysis analysis =
+        planned_analysis(plan, Parts(folder, plan, diagnostics), run, false);
+    const bool more = data_sets > plan.data_sets();
+    if (more) {
+        add_tasks(plan, further_tasks(plan, data_sets, options.tasks), folder, analysis,
+                  options.run.threads, diagnostics);
     }
-    set_permutations(plan);
-    const Parts parts(folder, plan, diagnostics);
-    draw_starts(analysis.data, std::span(plan.tasks).subspan(last.number), start,
-                options.run.threads, [&](const Task& task, std::span<const short> drawn) {
-                    if (task != last) parts.write_start(task, drawn);
-                });
     plan.needs = task_needs(analysis, plan, run);
-    write_plan(plan, folder, diagnostics);
+    if (more) write_plan(plan, folder, diagnostics);
     terminal.print(plan_summary(plan, options.extend));
 }
 

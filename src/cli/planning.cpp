@@ -8,6 +8,7 @@
 #include "cli/version.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
+#include "common/path_names.h"
 #include "common/stop.h"
 #include "parts/saved_study.h"
 
@@ -144,7 +145,7 @@ RunOptions restored_options(const Plan& plan, const RunOptions& now) {
 PlannedFile genotype_file(const Plan& plan, const PartFolder& folder) {
     PlannedFile file = plan.genotypes;
     file.file.path = file.file.path.empty() ? fs::absolute(folder.genotypes_path()).string()
-                                            : (fs::path(plan.directory) / file.file.path).string();
+                                            : path_in(plan.directory, file.file.path);
     return file;
 }
 
@@ -154,7 +155,7 @@ LoadedAnalysis planned_analysis(const Plan& plan, const Parts& parts, const RunO
     require_unchanged(genotypes, plan.directory);
     for (const PlannedFile& input : plan.inputs) {
         std::error_code absent;
-        const fs::path path = fs::path(plan.directory) / input.file.path;
+        const std::string path = path_in(plan.directory, input.file.path);
         // What is gone is not needed any more.
         if (fs::exists(path, absent)) require_unchanged(input, plan.directory);
     }

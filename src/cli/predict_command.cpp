@@ -12,6 +12,7 @@
 #include "cli/ranges.h"
 #include "cli/results.h"
 #include "cli/summary_line.h"
+#include "common/path_names.h"
 #include "prediction/prediction_file.h"
 #include "results/model_json.h"
 
@@ -22,7 +23,7 @@ namespace {
 std::string model_path(const std::string& given) {
     std::error_code failure;
     if (!std::filesystem::is_directory(given, failure)) return given;
-    return (std::filesystem::path(given) / "model.json").string();
+    return path_in(given, "model.json");
 }
 
 std::vector<std::string> all_inputs(const StudyRequest& request, const std::string& model) {

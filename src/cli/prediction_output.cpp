@@ -13,6 +13,7 @@
 #include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
+#include "common/path_names.h"
 #include "common/stop.h"
 
 namespace vort {
@@ -27,11 +28,6 @@ constexpr std::string_view kEnding = ".tsv";
 std::string summary_path(std::string table) {
     if (table.ends_with(kEnding)) table.resize(table.size() - kEnding.size());
     return table + ".json";
-}
-
-std::string folder_of(const std::string& path) {
-    const std::string folder = fs::path(path).parent_path().string();
-    return folder.empty() ? "." : folder;
 }
 
 void write_file(const std::string& path, std::string_view text, Diagnostics& diagnostics) {

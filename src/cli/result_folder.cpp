@@ -14,6 +14,7 @@
 #include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
+#include "common/path_names.h"
 
 namespace vort {
 
@@ -69,9 +70,9 @@ ResultFolder::ResultFolder(std::string path, std::span<const char* const> names,
 void ResultFolder::make() {
     std::error_code failure;
     std::vector<std::string> missing;
-    for (fs::path folder = path_; !folder.empty() && !fs::exists(folder, failure);
-         folder = folder.parent_path()) {
-        missing.push_back(folder.string());
+    for (std::string folder = path_; folder != folder_of(folder) && !fs::exists(folder, failure);
+         folder = folder_of(folder)) {
+        missing.push_back(folder);
     }
     if (fs::create_directories(path_, failure)) made_ = std::move(missing);
     std::error_code unseen;
@@ -92,16 +93,16 @@ void ResultFolder::take_lock(Terminal& terminal) {
 
 void ResultFolder::look_for_results(bool force) const {
     for (const char* name : names_) {
-        const fs::path result = fs::path(path_) / name;
+        const std::string result = path_in(path_, name);
         std::error_code failure;
         const fs::file_status there = fs::symlink_status(result, failure);
         if (!fs::exists(there)) continue;
         if (fs::is_directory(there)) {
-            throw InputError{result.string() +
+            throw InputError{result +
                              ": is a directory; a place for a file was expected; remove it"};
         }
         if (force) continue;
-        throw InputError{result.string() +
+        throw InputError{result +
                          ": is there already; name another directory, or replace it by --force"};
     }
 }
@@ -124,7 +125,7 @@ void ResultFolder::discard() {
 
 // Without the slash at its end, a link would not be followed.
 std::error_code ResultFolder::remove_unfinished() const {
-    return remove_tree(fs::path(path_) / kUnfinished);
+    return remove_tree(path_in(path_, kUnfinished));
 }
 
 void ResultFolder::require_room(double bytes) const {
@@ -139,7 +140,7 @@ void ResultFolder::require_room(double bytes) const {
 void ResultFolder::require_apart(std::span<const std::string> inputs) const {
     for (const std::string& input : inputs) {
         for (const char* name : names_) {
-            const std::string result = fs::path(path_) / name;
+            const std::string result = path_in(path_, name);
             std::error_code absent;
             if (!fs::equivalent(input, result, absent) || absent) continue;
             throw InputError{std::string(input)
@@ -153,7 +154,7 @@ void ResultFolder::require_apart(std::span<const std::string> inputs) const {
 void ResultFolder::require_outside(std::span<const std::string> inputs, const std::string& folder) {
     for (const std::string& input : inputs) {
         std::error_code absent;
-        if (!fs::equivalent(fs::path(input).parent_path() / ".", folder, absent)) continue;
+        if (!fs::equivalent(folder_of(input), folder, absent)) continue;
         throw InputError{std::string(input)
                              .append(": is an input, and ")
                              .append(folder)
@@ -181,7 +182,7 @@ std::vector<ResultFolder::Step> ResultFolder::plan() const {
     std::vector<Step> steps;
     for (const char* name : names_) {
         const std::string written = unfinished_ + name;
-        steps.push_back({written, path_ + '/' + name, fs::exists(written)});
+        steps.push_back({written, path_in(path_, name), fs::exists(written)});
     }
     return steps;
 }

@@ -14,6 +14,7 @@
 #include "cli/results.h"
 #include "cli/task_runner.h"
 #include "common/input_error.h"
+#include "common/path_names.h"
 #include "common/stop.h"
 #include "screening/prepared_file.h"
 
@@ -131,11 +132,9 @@ void Run::require_prepared() {
 
 void Run::require_apart_from_prepared() const {
     for (const InputFile& input : analysis_.study.inputs) {
-        const std::filesystem::path path = input.path;
         std::error_code absent;
-        if (!path.filename().string().starts_with("prepare_data") ||
-            !std::filesystem::equivalent(path.parent_path() / ".", options_.save_prepared,
-                                         absent)) {
+        if (!name_of(input.path).starts_with("prepare_data") ||
+            !std::filesystem::equivalent(folder_of(input.path), options_.save_prepared, absent)) {
             continue;
         }
         input_error(input.path, 0, "is where --save-prepared writes; another directory expected");

@@ -9,6 +9,7 @@
 #include "common/directory_names.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
+#include "common/path_names.h"
 #include "parts/bytes.h"
 #include "parts/saved_study.h"
 
@@ -50,7 +51,7 @@ void PartFolder::remove() const {
     for_each_name(path_, [](int parts, const char* name) {
         if (is_own(name)) ::unlinkat(parts, name, 0);
     });
-    fs::remove(fs::path(path_).parent_path(), failure);  // where it is empty
+    fs::remove(folder_of(path_), failure);  // where it is empty
 }
 
 std::string PartFolder::part_path(const std::string& kind, int task) const {

@@ -6,10 +6,10 @@
 #include <atomic>
 #include <climits>
 #include <cmath>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "common/input_error.h"
+#include "common/path_names.h"
 #include "parts/file_checksum.h"
 #include "parts/sha256.h"
 #include "results/table_text.h"
@@ -213,7 +213,7 @@ PlannedFile planned_file(const InputFile& file) {
 }
 
 void require_unchanged(const PlannedFile& planned, const std::string& directory) {
-    const std::string path = std::filesystem::path(directory) / planned.file.path;
+    const std::string path = path_in(directory, planned.file.path);
     const PlannedFile found = planned_file({planned.file.role, path});
     if (found.size == planned.size && found.modified == planned.modified) return;
     if (found.modified == 0) {

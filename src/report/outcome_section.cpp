@@ -1,5 +1,5 @@
-#include <filesystem>
 
+#include "common/path_names.h"
 #include "report/html.h"
 #include "report/sections.h"
 #include "report/wording.h"
@@ -178,7 +178,7 @@ std::string left_out(const ModelView& view) {
 // The name that the reader knows the study by: its genotype file, without folders.
 std::string study_name(const ModelView& view) {
     if (view.files.empty()) return "";
-    return std::filesystem::path(view.files.front().second).filename().string();
+    return std::string(name_of(view.files.front().second));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "common/input_error.h"
+#include "common/path_names.h"
 #include "common/stop.h"
 #include "genotypes/text_data_set.h"
 #include "study/chromosome_names.h"
@@ -84,8 +85,8 @@ class DirectoryReader : public CohortReader {
   public:
     DirectoryReader(const std::string& folder, int threads, Study& study)
         : folder_(folder), threads_(threads) {
-        settings_ = read_study_parameters((folder_ / "parameter.txt").string(), study).screening;
-        data_ = (folder_ / settings_.input).string();
+        settings_ = read_study_parameters(path_in(folder_, "parameter.txt"), study).screening;
+        data_ = path_in(folder_, settings_.input);
         study.inputs.push_back({"data set", data_});
         require_room();
     }
@@ -107,7 +108,7 @@ class DirectoryReader : public CohortReader {
     }
 
     Cohort read(std::span<const int> wanted, MarkerChoice& choice, Study& study) override {
-        const std::string table = (folder_ / "Chromosome_SNP_Name.txt").string();
+        const std::string table = path_in(folder_, "Chromosome_SNP_Name.txt");
         study.inputs.push_back({"marker table", table});
         Cohort cohort;
         cohort.markers = read_marker_table(table, settings_.markers);
@@ -158,7 +159,7 @@ class DirectoryReader : public CohortReader {
         }
     }
 
-    std::filesystem::path folder_;
+    std::string folder_;
     int threads_;
     ScreeningSettings settings_;
     std::string data_;

@@ -1,5 +1,4 @@
-#include <filesystem>
-
+#include "common/path_names.h"
 #include "study/study.h"
 
 namespace vort {
@@ -15,7 +14,7 @@ std::vector<std::string> named_files(const StudyRequest& request) {
     }
     if (!files.directory.empty()) {
         for (const char* name : {"parameter.txt", "Chromosome_SNP_Name.txt"}) {
-            named.push_back((std::filesystem::path(files.directory) / name).string());
+            named.push_back(path_in(files.directory, name));
         }
     }
     return named;

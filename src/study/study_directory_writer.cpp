@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <filesystem>
 #include <stdexcept>
 #include <unordered_set>
 
 #include "common/characters.h"
 #include "common/file_descriptor.h"
 #include "common/number_text.h"
+#include "common/path_names.h"
 #include "common/transcript.h"
 #include "study/study_directory.h"
 
@@ -152,10 +152,9 @@ std::string parameter_text(const StudyParameters& parameters, int individuals, i
 
 void write_study_directory(const Study& study, const std::string& parameter_text,
                            const std::string& folder) {
-    const std::filesystem::path in(folder);
-    write_data_set(study, in / "dat1.txt");
-    write_marker_table(study, in / "Chromosome_SNP_Name.txt");
-    CheckedFile file(in / "parameter.txt");
+    write_data_set(study, path_in(folder, "dat1.txt"));
+    write_marker_table(study, path_in(folder, "Chromosome_SNP_Name.txt"));
+    CheckedFile file(path_in(folder, "parameter.txt"));
     file.write(parameter_text);
     file.close();
 }

@@ -1,6 +1,5 @@
-// Text is read line by line, and what is plain in it taken as it stands (vcf_line.h); lines that
-// are not, and BCF, go through the library's own reader. Either way genotypes are not looked at
-// before they are asked for.
+// Text is read line by line and taken apart by vcf_line.h, BCF by the library. Either way genotypes
+// are not looked at before they are asked for.
 #include "study/vcf_file.h"
 
 #include <fcntl.h>
@@ -9,7 +8,10 @@
 #include <htslib/kseq.h>
 #include <htslib/vcf.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <new>
 
 #include "common/file_descriptor.h"
@@ -42,8 +44,34 @@ htsFile* open_local(const std::string& path) {
     if (hts_detect_format(file.get(), &format) < 0) return nullptr;
     if (format.format != vcf && format.format != bcf) return nullptr;
     htsFile* const opened = hts_hopen(file.get(), path.c_str(), "r");
-    if (opened != nullptr) static_cast<void>(file.release());
-    return opened;
+    if (opened == nullptr) return nullptr;
+    static_cast<void>(file.release());
+    if (opened->fn != nullptr) return opened;  // its name, which the library copies unchecked
+    hts_close(opened);
+    throw std::bad_alloc();
+}
+
+// Lengthens an array of the library's.
+template <typename T>
+void reserve(T*& items, int& room, std::size_t needed) {
+    if (static_cast<std::size_t>(room) >= needed || needed > INT_MAX) return;
+    void* const more = std::realloc(items, needed * sizeof(T));
+    if (more == nullptr) throw std::bad_alloc();
+    items = static_cast<T*>(more);
+    room = static_cast<int>(needed);
+}
+
+// Without memory the library would end the process when it takes a record apart, or lose a letter
+// of its words; so it gets all room that it may need. A byte of text may come to be a number of
+// four digits and a comma.
+void reserve_words(bcf1_t& record) {
+    const std::size_t text = 6 * record.shared.l + record.n_allele + 16;
+    reserve(record.d.id, record.d.m_id, text);
+    reserve(record.d.als, record.d.m_als, text);
+    reserve(record.d.allele, record.d.m_allele, record.n_allele);
+    const int formats = record.d.m_fmt;
+    reserve(record.d.fmt, record.d.m_fmt, record.n_fmt);
+    std::fill(record.d.fmt + formats, record.d.fmt + record.d.m_fmt, bcf_fmt_t{});
 }
 
 MarkerInfo marker_of(std::string_view contig, std::string_view name, long position,
@@ -88,19 +116,19 @@ class VcfFile::File {
     }
 
     bool next(VcfRecord& record) {
+        errno = 0;
         const int result = is_text() ? hts_getline(file_.get(), KS_SEP_LINE, &file_->line)
                                      : bcf_read(file_.get(), header_.get(), record_.get());
-        if (result == -1) return false;
+        if (result == -1 && errno != ENOMEM) return false;
         ++records_;
         if (result < 0) fail_unreadable();
-        is_plain_ = is_text() && split_vcf_line(line(), fields_);
-        if (is_plain_) {
-            record = {marker_of(fields_.contig, fields_.name, fields_.position, fields_.alternative,
+        if (is_text()) {
+            if (!split_vcf_line(line(), fields_)) fail_unreadable();
+            record = {marker_of(fields_.contig, fields_.name, position(), fields_.alternative,
                                 fields_.reference),
                       fields_.alleles};
             return true;
         }
-        if (is_text()) parse_line();
         check_record();
         const char* const contig = bcf_seqname(header_.get(), record_.get());
         record = {marker_of(contig == nullptr ? "." : contig, record_->d.id,
@@ -111,16 +139,13 @@ class VcfFile::File {
 
     Packed pack(std::span<unsigned char> out) {
         const auto individuals = static_cast<int>(samples().size());
-        if (is_plain_) {
-            if (pack_plain_calls(fields_.calls, fields_.alleles, individuals, out)) return {};
-            is_plain_ = false;
-            parse_line();
-            check_record();
+        if (!is_text()) {
+            const VcfCalls calls = this->calls();
+            return checked(pack_calls(calls, individuals, out), calls.first != nullptr);
         }
-        const VcfCalls calls = this->calls();
-        const PackedCalls packed = pack_calls(calls, individuals, out);
-        if (!packed.in_range) fail_record("calls an allele that it does not have");
-        return {calls.first != nullptr, packed.polyploid};
+        const auto packed = pack_line(fields_, individuals, out);
+        if (!packed) fail_unreadable();
+        return checked(*packed, fields_.genotype >= 0);
     }
 
   private:
@@ -128,23 +153,15 @@ class VcfFile::File {
     bool is_text() const { return format() == vcf; }
     std::string_view line() const { return {file_->line.s, file_->line.l}; }
 
-    // Takes the line apart where it lies.
-    void parse_line() {
-        require_position();
-        if (vcf_parse(&file_->line, header_.get(), record_.get()) < 0) fail_unreadable();
-    }
-
     // One that is no number would be read as 0.
-    void require_position() const {
-        const std::string_view rest = line().substr(std::min(line().find('\t'), line().size()));
-        if (rest.empty()) fail_unreadable();
-        const std::string_view word = rest.substr(1, rest.find('\t', 1) - 1);
+    long position() const {
         long position = 0;
-        if (read_whole(word, position) && position >= 0) return;
-        fail_record("has position " + std::string(word) + "; a whole number expected");
+        if (read_whole(fields_.position, position) && position >= 0) return position;
+        fail_record("has position " + std::string(fields_.position) + "; a whole number expected");
     }
 
     void check_record() {
+        reserve_words(*record_);
         constexpr int kHarmless = BCF_ERR_CTG_UNDEF | BCF_ERR_TAG_UNDEF;
         if ((record_->errcode & ~kHarmless) != 0 || record_->n_sample != samples().size() ||
             bcf_unpack(record_.get(), BCF_UN_STR) < 0) {
@@ -166,11 +183,17 @@ class VcfFile::File {
         return {format->p, width, format->n, static_cast<int>(record_->n_allele)};
     }
 
+    Packed checked(const PackedCalls& packed, bool has_calls) const {
+        if (!packed.in_range) fail_record("calls an allele that it does not have");
+        return {has_calls, packed.polyploid};
+    }
+
     std::string allele(int k) const { return k < record_->n_allele ? record_->d.allele[k] : "."; }
 
     [[noreturn]] void fail(const std::string& what) const { input_error(path_, 0, what); }
 
     [[noreturn]] void fail_unreadable() const {
+        if (errno == ENOMEM) throw std::bad_alloc();
         fail_record("cannot be read; a record of " +
                     counted(static_cast<long>(samples().size()), "individual", "individuals") +
                     " expected");
@@ -187,8 +210,7 @@ class VcfFile::File {
     std::unique_ptr<bcf_hdr_t, Release> header_;
     std::unique_ptr<bcf1_t, Release> record_;
     long records_ = 0;
-    bool is_plain_ = false;  // `fields_` hold the record, and `record_` does not
-    VcfLine fields_;
+    VcfLine fields_;  // of a text
 };
 
 VcfFile::VcfFile(std::string path, int threads)

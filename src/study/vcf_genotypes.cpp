@@ -59,16 +59,8 @@ PackedCalls pack(const VcfCalls& calls, int individuals, std::span<unsigned char
     for (int i = 0; i < individuals; ++i) {
         Allele values[2] = {Allele::kMissing, Allele::kNoMore};
         for (int a = 0; a < std::min(calls.ploidy, 2); ++a) values[a] = read(call + width * a);
-        unsigned bits = kMissingBits;
-        if (values[0] == Allele::kOutOfRange || values[1] == Allele::kOutOfRange) {
-            packed.in_range = false;
-        } else {
-            bits = genotype_bits(values[0], values[1]);
-        }
-        if (calls.ploidy > 2 && read(call + 2 * width) != Allele::kNoMore) {
-            ++packed.polyploid;
-            bits = kMissingBits;
-        }
+        const bool more = calls.ploidy > 2 && read(call + 2 * width) != Allele::kNoMore;
+        const unsigned bits = packed.take(values[0], values[1], more);
         auto& byte = out[static_cast<std::size_t>(i) / 4];
         byte = static_cast<unsigned char>(byte | bits << 2 * (i % 4));
         call += width * static_cast<std::size_t>(calls.ploidy);
@@ -87,6 +79,15 @@ unsigned genotype_bits(VcfAllele first, VcfAllele second) {
         {1, 1, 1, 1},
     };
     return kBits[static_cast<std::size_t>(first)][static_cast<std::size_t>(second)];
+}
+
+unsigned PackedCalls::take(VcfAllele first, VcfAllele second, bool more) {
+    polyploid += more ? 1 : 0;
+    if (first == Allele::kOutOfRange || second == Allele::kOutOfRange) {
+        in_range = false;
+        return kMissingBits;
+    }
+    return more ? kMissingBits : genotype_bits(first, second);
 }
 
 PackedCalls pack_calls(const VcfCalls& calls, int individuals, std::span<unsigned char> out) {

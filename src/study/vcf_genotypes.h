@@ -26,6 +26,9 @@ unsigned genotype_bits(VcfAllele first, VcfAllele second);
 struct PackedCalls {
     bool in_range = true;  // no call names an allele that the marker does not have
     long polyploid = 0;    // calls of more than two alleles, which are taken as missing
+
+    // The bits of one more call, of its first two values and whether there are more of them.
+    unsigned take(VcfAllele first, VcfAllele second, bool more);
 };
 
 // Packs individuals 0, 1, ... into `out`, of packed_size(individuals) bytes. The counted allele is

@@ -131,7 +131,10 @@ class Parts(unittest.TestCase):
             self.assertEqual({task["state"] for task in status["screen"]}, {"done", "missing"})
             self.do_all("cut", "--force")
         self.assert_same("cut", "whole")
-        self.vort("plan", "--extend", "cut", "--permutations", 30, status=3, said="more than that")
+        plan = (self.work / "cut/plan.json").read_bytes()
+        self.vort("plan", "--extend", "cut", "--permutations", 30)  # said again: nothing to add
+        self.vort("plan", "--extend", "cut", "--permutations", 29, status=3, said="or more")
+        self.assertEqual((self.work / "cut/plan.json").read_bytes(), plan)
 
     def test_killed_runs_go_on_to_the_same_bytes(self):
         permutations = 500

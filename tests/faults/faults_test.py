@@ -224,7 +224,7 @@ def faults_of_files(scenario, options, draw):
 
 def faults_of_memory(scenario, options, draw):
     numbers = range(1, scenario.allocations + 1)
-    if not options.all:
+    if not options.all and not scenario.each_allocation:
         wanted = 60 if scenario.thorough and not scenario.only_inputs else 10
         numbers = draw.sample(numbers, min(wanted, len(numbers)))
     for number in numbers:

@@ -36,6 +36,7 @@ class Scenario:
     watched_stdout: bool = False
     thorough: bool = True  # else few of its positions are tried
     only_inputs: bool = False  # faults of other files are those of another scenario
+    each_allocation: bool = False  # else some of them fail
     base: str = "."  # where its study is among all
     # Filled in by prepare() and the reference run.
     folder: Path = None
@@ -141,6 +142,11 @@ def scenarios():
                                      "before": [*predicted["before"],
                                                 [*predicted["words"], "--keep", "keep.txt"]]}),
         Scenario("import", **imported),
+        # A library of others reads it.
+        Scenario("import-bcf", words=["import", "--vcf", "study.bcf", *PHENOTYPES, *SETTINGS,
+                                      "--out", "out"],
+                 inputs=["study.bcf", "phenotypes.txt"], results=STUDY, only_inputs=True,
+                 each_allocation=True),
         Scenario("import-force", **{**imported, "words": [*imported["words"], "--force"],
                                     "inputs": ["study.raw", *BED]},
                  before=["import", "--bfile", "study", "--maf", "0.3", "--out", "out"]),
