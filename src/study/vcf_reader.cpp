@@ -27,6 +27,7 @@ class VcfReader : public CohortReader {
     People people() override {
         People people{file_.path(), {}, true};
         for (const char* const name : file_.samples()) {
+            require_name(name, people.all.size() + 1);
             people.all.push_back({{name, name, 0}, true, "", 0});
         }
         if (people.all.empty()) {
@@ -61,6 +62,13 @@ class VcfReader : public CohortReader {
     }
 
   private:
+    // Where a name is empty, the library takes the rest of the header's line for it.
+    void require_name(std::string_view name, std::size_t number) const {
+        if (name.find_first_of("\t\n") == std::string_view::npos) return;
+        input_error(file_.path(), 0,
+                    "sample " + std::to_string(number) + " has no name; one expected");
+    }
+
     People named_by_fam(const People& samples) const {
         People people = read_fam(fam_);
         std::unordered_map<std::string, const Person*> by_name;

@@ -103,6 +103,8 @@ TEST(Vcf, WhatCannotBeReadIsTold) {
          "s.vcf: has no header that can be read; that of a VCF expected"},
         {"##fileformat=VCFv4.2\n#CHROM\tPOS\tID\tREF\tALT\tQUAL\tFILTER\tINFO\n",
          "s.vcf: has no samples; genotypes expected"},
+        {"##fileformat=VCFv4.2\n#CHROM\tPOS\tID\tREF\tALT\tQUAL\tFILTER\tINFO\tFORMAT\ta\t\tc\n",
+         "s.vcf: sample 2 has no name; one expected"},
         {vcf_of("1 5 r A G GT 0/0 0/1 1/1\n"), "s.vcf:4: " + record},
         {vcf_of("1 5 r A\n"), "s.vcf:4: " + record},
         {vcf_of("1 5 r A G GT 0/0 0/1 a/b 0/0\n"), "s.vcf:4: " + record},
