@@ -55,7 +55,7 @@ std::vector<int> first_numbers(std::size_t count);
 
 std::unique_ptr<CohortReader> bed_reader(const StudyFiles& files, Study& study);
 std::unique_ptr<CohortReader> raw_reader(const StudyFiles& files, Study& study);
-std::unique_ptr<CohortReader> vcf_reader(const StudyFiles& files, int threads, Study& study);
+std::unique_ptr<CohortReader> vcf_reader(const StudyFiles& files, Study& study);
 std::unique_ptr<CohortReader> directory_reader(const StudyFiles& files, int threads, Study& study);
 
 }  // namespace vort

@@ -24,7 +24,7 @@ std::unique_ptr<CohortReader> reader_for(const StudyRequest& request, Study& stu
         case StudyFormat::kBed:
             return bed_reader(request.files, study);
         case StudyFormat::kVcf:
-            return vcf_reader(request.files, request.threads, study);
+            return vcf_reader(request.files, study);
         case StudyFormat::kRaw:
             return raw_reader(request.files, study);
         case StudyFormat::kDirectory:

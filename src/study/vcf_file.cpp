@@ -90,7 +90,7 @@ MarkerInfo marker_of(std::string_view contig, std::string_view name, long positi
 
 class VcfFile::File {
   public:
-    File(std::string path, int threads) : path_(std::move(path)) {
+    explicit File(std::string path) : path_(std::move(path)) {
         require_readable(path_);
         hts_set_log_level(HTS_LOG_OFF);
         errno = 0;
@@ -100,7 +100,6 @@ class VcfFile::File {
         if (hts_check_EOF(file_.get()) == 0) {
             fail("is cut short; the block that ends a bgzipped file expected; copy it again");
         }
-        if (threads > 1) hts_set_threads(file_.get(), threads - 1);
         errno = 0;
         header_.reset(bcf_hdr_read(file_.get()));
         if (header_ == nullptr && errno == ENOMEM) throw std::bad_alloc();
@@ -213,8 +212,7 @@ class VcfFile::File {
     VcfLine fields_;  // of a text
 };
 
-VcfFile::VcfFile(std::string path, int threads)
-    : file_(std::make_unique<File>(std::move(path), threads)) {}
+VcfFile::VcfFile(std::string path) : file_(std::make_unique<File>(std::move(path))) {}
 
 VcfFile::~VcfFile() = default;
 

@@ -17,8 +17,7 @@ namespace {
 
 class VcfReader : public CohortReader {
   public:
-    VcfReader(const StudyFiles& files, int threads, Study& study)
-        : file_(files.vcf, threads), fam_(files.fam) {
+    VcfReader(const StudyFiles& files, Study& study) : file_(files.vcf), fam_(files.fam) {
         study.inputs.push_back({"vcf", files.vcf});
         if (!fam_.empty()) study.inputs.push_back({"fam", fam_});
     }
@@ -114,8 +113,8 @@ class VcfReader : public CohortReader {
 
 }  // namespace
 
-std::unique_ptr<CohortReader> vcf_reader(const StudyFiles& files, int threads, Study& study) {
-    return std::make_unique<VcfReader>(files, threads, study);
+std::unique_ptr<CohortReader> vcf_reader(const StudyFiles& files, Study& study) {
+    return std::make_unique<VcfReader>(files, study);
 }
 
 }  // namespace vort
