@@ -50,7 +50,7 @@ TEST(Vcf, CallsAndNamesAreTakenAsTheyAreMeant) {
         {"chrX 5 r A G GT 0 1 . 0|1", "02-1", "23:5:r:GA ", "1 marker is on chromosomes 23 to 26"},
         {"M 5 r A G GT 1/. ./0 ./. .", "----", "26:5:r:GA ", "(MT 1)"},
         {"1 5 . A <DEL> GT 0/0 1/0 1|1 0", "0120", "1:5:1:5:A:<DEL>:<DEL>A ", ""},
-        {"1 5 r A . GT 0/0 ./. 0|0 0", "0-00", "1:5:r:.A ", ""},
+        {"1 5 r A . GT 0/0 ./0 0|0 0", "0-00", "1:5:r:.A ", ""},
         {"1 5 r A G GT 0/0/1 0/1 1/1 0/0", "-120", "1:5:r:GA ",
          "1 genotype of more than two alleles count as missing."},
         {"1 5 r A G DP 3 4 5 6", "----", "1:5:r:GA ",
