@@ -1,4 +1,3 @@
-
 #include "common/path_names.h"
 #include "report/html.h"
 #include "report/sections.h"

@@ -142,7 +142,7 @@ def scenarios():
                                      "before": [*predicted["before"],
                                                 [*predicted["words"], "--keep", "keep.txt"]]}),
         Scenario("import", **imported),
-        # A library of others reads it.
+        # Read by a library, which may go on where it lacks memory.
         Scenario("import-bcf", words=["import", "--vcf", "study.bcf", *PHENOTYPES, *SETTINGS,
                                       "--out", "out"],
                  inputs=["study.bcf", "phenotypes.txt"], results=STUDY, only_inputs=True,
