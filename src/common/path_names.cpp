@@ -16,7 +16,8 @@ std::string folder_of(std::string_view path) {
 }
 
 std::string_view name_of(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string_view::npos ? path : path.substr(slash + 1);
 }
 
 }  // namespace vort
