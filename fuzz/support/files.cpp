@@ -14,17 +14,18 @@ namespace vort::fuzz {
 
 namespace {
 
-std::string base() {
-    const char* const wanted = std::getenv("VORT_FUZZ_FILES");
-    if (wanted != nullptr) return wanted;
-    return ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
+std::string own_folder() {
+    if (const char* const given = std::getenv("VORT_FUZZ_FILES")) return given;
+    std::string path =
+        ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::filesystem::temp_directory_path();
+    path += "/vort-fuzz-XXXXXX";
+    require(::mkdtemp(path.data()) != nullptr, "there is a folder for files");
+    return path;
 }
 
 }  // namespace
 
-Files::Files() : path_(base() + "/vort-fuzz-XXXXXX") {
-    require(::mkdtemp(path_.data()) != nullptr, "there is a folder for files");
-}
+Files::Files() : path_(own_folder()) {}
 
 Files::~Files() {
     for (const auto& [name, file] : open_) ::close(file);

@@ -1,8 +1,8 @@
 // Files for readers that take paths.
 //
-// They lie on a file system in memory where there is one (/dev/shm), or where VORT_FUZZ_FILES says,
-// in a folder for this process alone. A file is made once and stays open; every execution writes it
-// anew, which takes two system calls.
+// They lie in a folder for this process alone: the one that VORT_FUZZ_FILES names, else a new one,
+// in memory where there is a file system for that (/dev/shm). A file is made once and stays open;
+// every execution writes it anew, which takes two system calls.
 #pragma once
 
 #include <map>

@@ -113,7 +113,9 @@ class Commands {
 
     void run() const {
         for (const auto& [command, work] : commands_) {
-            if (command->parsed()) work();
+            if (!command->parsed()) continue;
+            require_values(*command);
+            work();
         }
     }
 
@@ -131,6 +133,14 @@ class Commands {
     }
 
   private:
+    // An empty word is a variable that was not set, and would be the root of all files as a folder.
+    static void require_values(const CLI::App& command) {
+        for (const CLI::Option* option : command.get_options()) {
+            if (std::ranges::find(option->results(), "") == option->results().end()) continue;
+            throw CLI::ValidationError(option->get_name(), "is an empty word; a value expected");
+        }
+    }
+
     static std::string unknown_text(const CLI::App& asked, const std::string& word) {
         std::vector<std::string> names;
         for (const CLI::Option* option : asked.get_options()) {

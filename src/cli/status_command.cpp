@@ -9,6 +9,7 @@
 #include "cli/results.h"
 #include "cli/task_mark.h"
 #include "cli/terminal.h"
+#include "common/input_error.h"
 #include "report/wording.h"
 
 namespace vort {
@@ -21,14 +22,24 @@ constexpr std::array kSteps = {"screen", "model"};
 
 struct TaskState {
     Task task;
-    std::string state;  // "done", "running", "stopped" or "missing"
-    std::string worker;
+    std::string state;   // "done", "unusable", "running", "stopped" or "missing"
+    std::string detail;  // what makes it unusable, or who runs it or did
 };
 
-TaskState state_of(const PartFolder& folder, const char* step, const Task& task) {
+TaskState state_of_parts(const Parts& parts, const char* step, const Task& task) {
+    try {
+        parts.require_usable(step, task);
+        return {task, "done", ""};
+    } catch (const InputError& fault) {
+        return {task, "unusable", fault.text};
+    }
+}
+
+TaskState state_of(const Parts& parts, const char* step, const Task& task) {
+    const PartFolder& folder = parts.folder();
     const bool screen = step == std::string("screen");
     if (screen ? folder.is_screened(task.number) : folder.is_modelled(task.number)) {
-        return {task, "done", ""};
+        return state_of_parts(parts, step, task);
     }
     const auto worker = TaskMark::read(folder.mark_path(step, task.number));
     if (!worker) return {task, "missing", ""};
@@ -42,23 +53,25 @@ bool has_results(const PartFolder& folder, const std::string& path) {
     return !absent && made >= std::filesystem::last_write_time(folder.plan_path(), absent);
 }
 
-Json json_of(const PartFolder& folder, const Plan& plan, const std::string& path) {
+Json json_of(const Parts& parts, const Plan& plan, const std::string& path) {
     Json out = Json::object();
     out["tasks"] = plan.tasks.size();
     out["data_sets"] = plan.data_sets();
     for (const char* step : kSteps) {
         out[step] = Json::array();
         for (const Task& task : plan.tasks) {
-            const TaskState state = state_of(folder, step, task);
+            const TaskState state = state_of(parts, step, task);
             Json one = {{"task", task.number},
                         {"first", task.first},
                         {"count", task.count},
                         {"state", state.state}};
-            if (!state.worker.empty()) one["worker"] = state.worker;
+            if (!state.detail.empty()) {
+                one[state.state == "unusable" ? "fault" : "worker"] = state.detail;
+            }
             out[step].push_back(std::move(one));
         }
     }
-    out["results"] = has_results(folder, path);
+    out["results"] = has_results(parts.folder(), path);
     return out;
 }
 
@@ -75,19 +88,19 @@ std::string row(std::string step, std::string tasks, std::string data_sets,
 }
 
 // Neighbours of the same state share a line.
-std::string table_of(const PartFolder& folder, const Plan& plan, const char* step) {
+std::string table_of(const Parts& parts, const Plan& plan, const char* step) {
     std::string text;
     for (std::size_t t = 0; t < plan.tasks.size();) {
-        const TaskState first = state_of(folder, step, plan.tasks[t]);
+        const TaskState first = state_of(parts, step, plan.tasks[t]);
         std::size_t last = t;
-        while (first.worker.empty() && last + 1 < plan.tasks.size()) {
-            const TaskState next = state_of(folder, step, plan.tasks[last + 1]);
-            if (next.state != first.state || !next.worker.empty()) break;
+        while (first.detail.empty() && last + 1 < plan.tasks.size()) {
+            const TaskState next = state_of(parts, step, plan.tasks[last + 1]);
+            if (next.state != first.state || !next.detail.empty()) break;
             ++last;
         }
         text += row(step, range_text(first.task.number, plan.tasks[last].number),
                     range_text(first.task.first, plan.tasks[last].end() - 1),
-                    first.state + (first.worker.empty() ? "" : ' ' + first.worker));
+                    first.state + (first.detail.empty() ? "" : ' ' + first.detail));
         t = last + 1;
     }
     return text;
@@ -106,9 +119,11 @@ void show_status(const StatusOptions& options) {
     const PartFolder folder(options.folder);
     const Plan plan = read_plan(folder.plan_path());
     Terminal terminal;
-    if (options.json) return terminal.print(json_of(folder, plan, options.folder).dump(2) + '\n');
+    Diagnostics diagnostics(terminal.errors());
+    const Parts parts(folder, plan, diagnostics);
+    if (options.json) return terminal.print(json_of(parts, plan, options.folder).dump(2) + '\n');
     std::string text = row("STEP", "TASKS", "DATA SETS", "STATE");
-    for (const char* step : kSteps) text += table_of(folder, plan, step);
+    for (const char* step : kSteps) text += table_of(parts, plan, step);
     text += row("merge", "", "", has_results(folder, options.folder) ? "done" : "missing");
     terminal.print(text);
 }

@@ -1,5 +1,8 @@
 #include "parts/part_file.h"
 
+#include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <utility>
 
 #include "common/input_error.h"
@@ -54,9 +57,8 @@ void require_title(const std::string& path, const PartTitle& found, const PartTi
     refuse(path, "is the " + name_of(found) + "; the " + name_of(title) + " was expected");
 }
 
-}  // namespace
-
-std::string part_bytes(const PartTitle& title, std::string_view payload) {
+// All that stands before the payload's length.
+ByteWriter begun_with(const PartTitle& title) {
     ByteWriter out{std::string(kMark)};
     out.put(kVersion);
     out.put(title.kind);
@@ -64,6 +66,26 @@ std::string part_bytes(const PartTitle& title, std::string_view payload) {
     out.put(title.task);
     out.put(title.first);
     out.put(title.count);
+    return out;
+}
+
+bool has_title_and_size(const std::string& path, const PartTitle& title) {
+    const std::string expected = begun_with(title).take();
+    std::uint64_t payload = 0;
+    std::string begin(expected.size() + sizeof payload, '\0');
+    std::ifstream file(path, std::ios::binary);
+    if (!file.read(begin.data(), static_cast<std::streamsize>(begin.size()))) return false;
+    if (!begin.starts_with(expected)) return false;
+    std::memcpy(&payload, begin.data() + expected.size(), sizeof payload);
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);
+    return !failure && size - begin.size() - kDigits == payload;
+}
+
+}  // namespace
+
+std::string part_bytes(const PartTitle& title, std::string_view payload) {
+    ByteWriter out = begun_with(title);
     out.put(payload);
     std::string bytes = std::move(out).take();
     return bytes += sha256(bytes);
@@ -93,6 +115,10 @@ std::string_view payload_of(std::string_view bytes, const std::string& path,
     } catch (const MalformedBytes&) {
         refuse(path, "is of another version of the program");
     }
+}
+
+void require_title_and_size(const std::string& path, const PartTitle& title) {
+    if (!has_title_and_size(path, title)) payload_of(read_part(path), path, title);
 }
 
 std::string read_part(const std::string& path) {

@@ -39,6 +39,10 @@ std::string read_part(const std::string& path);
 std::string_view payload_of(std::string_view bytes, const std::string& path,
                             const PartTitle& title);
 
+// Throws as `payload_of` does where the title or the size tells that the part cannot be used. It is
+// quick, since it believes the payload: no checksum is made.
+void require_title_and_size(const std::string& path, const PartTitle& title);
+
 // Where the payload itself makes no sense, though its checksum is right.
 [[noreturn]] void refuse_payload(const std::string& path);
 

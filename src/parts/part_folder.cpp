@@ -179,6 +179,15 @@ HeldBack Parts::held_back() const {
                      [&](std::string_view bytes) { return held_back_of(bytes, plan_.markers); });
 }
 
+void Parts::require_usable(const std::string& step, const Task& task) const {
+    const auto require = [&](const char* kind) {
+        require_title_and_size(folder_.part_path(kind, task.number), title(kind, task));
+    };
+    if (step == kModel) return require(kModel);
+    require(kScreen);
+    require(kDraws);
+}
+
 std::vector<double> Parts::observed_pvalues() const {
     return screen(plan_.tasks.front()).record.observed;
 }

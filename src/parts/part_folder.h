@@ -71,6 +71,10 @@ class Parts {
     Study people() const;  // with phenotypes and clusters only
     HeldBack held_back() const;
 
+    // Throws InputError where a finished step ("screen" or "model") of a task left what is of
+    // another plan or not whole, as far as titles and sizes tell.
+    void require_usable(const std::string& step, const Task& task) const;
+
     // The observed data set's p-values, of the first task.
     std::vector<double> observed_pvalues() const;
 

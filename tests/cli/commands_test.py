@@ -207,6 +207,7 @@ class Commands(unittest.TestCase):
             ([*run, "--bed", "cut.bed"], 3, "cut.bed: 100 bytes; [0-9]* expected"),
             (["run", *BED, "--out", "study.fam/x"], 3, "study.fam/x: cannot be made"),
             ([*run, "--maf", "0.5"], 3, "no marker"),
+            (["report", ""], 2, "DIR: is an empty word"),
             (["report", "text"], 3, "text/model.json: cannot be opened"),
             (["import", "--bfile", "absent", "--out", "x/y/z"], 3, "absent.fam: cannot be opened"),
             (["run", "--study", "far", "--out", "x"], 3, "parameter.txt:1: Inputfile ../text/dat1"),

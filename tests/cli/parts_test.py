@@ -225,6 +225,9 @@ class Parts(unittest.TestCase):
                     if path.name == "people.part":
                         words = ["plan", "--extend", "cut", "--permutations", "12"]
                     self.vort(*words, status=3, said=f"{path.name}: .*; remove it")
+                    if "-" in path.name and what != "flipped":
+                        self.assertRegex(self.vort("status", "cut").stdout,
+                                         f"unusable .*/{path.name}: .*; remove it")
             path.write_bytes(whole)
         for name in ("model-1.part", "draws-2.part", "screen-2.part"):
             (parts / name).unlink()
