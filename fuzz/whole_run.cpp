@@ -207,11 +207,14 @@ void compare_tasks(const TinyStudy& study, const PlainRun& plain, Cut cut) {
     require(run.merged.fdr_report.empty() == !input.fdr_report, "a report where one was asked for");
 }
 
-// Whether the study is one that can be cut: labels, and as many markers as are searched.
+// Whether the study is one that can be cut: labels, as many markers as are searched, and no more
+// models than data sets, whose number a plan tells once for both.
 bool can_be_cut(const TinyStudy& study) {
     const int best_m = study.settings.builder.usable_markers();
+    const int permutations = study.settings.screening.permutations;
     return std::ranges::none_of(study.phenotypes, is_quantity) && best_m > 0 &&
-           best_m <= study.markers() && study.settings.screening.permutations >= 0;
+           best_m <= study.markers() && permutations >= 0 &&
+           study.settings.builder.permutations <= permutations;
 }
 
 // The stages one by one, without text.
