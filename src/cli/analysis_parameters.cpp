@@ -27,20 +27,20 @@ void add_analysis_options(CLI::App& command, AnalysisParameters& parameters) {
         .add_option("--permutations", parameters.permutations,
                     with_default("data sets with permuted phenotypes", kUsualPermutations))
         ->type_name("N")
-        ->check(within(0, 1000000))
+        ->transform(whole(0, 1000000))
         ->group(kGroup);
     command
         .add_option("--best-m", parameters.best_m,
                     with_default("best markers that are searched, pairs included", kUsualBestM))
         ->type_name("N")
-        ->check(within(1, 65536))
+        ->transform(whole(1, 65536))
         ->group(kGroup);
     command
         .add_option("--max-retain", parameters.max_retain,
                     with_default("most single markers, and most pairs, that a model is made of",
                                  kUsualMaxRetain))
         ->type_name("N")
-        ->check(within(0, 1000000))
+        ->transform(whole(0, 1000000))
         ->group(kGroup);
     command
         .add_option("--fdr", parameters.fdr,

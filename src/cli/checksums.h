@@ -26,11 +26,11 @@ class Checksums {
     Checksums& operator=(const Checksums&) = delete;
 
     // Waits for them.
-    std::vector<Checksum> take() { return made_.get(); }
+    const std::vector<Checksum>& all() const { return made_.get(); }
 
   private:
     std::atomic<bool> wanted_{true};
-    std::future<std::vector<Checksum>> made_;
+    std::shared_future<std::vector<Checksum>> made_;
 };
 
 }  // namespace vort

@@ -175,7 +175,7 @@ class Commands {
 };
 
 int say(std::string text, int status) {
-    std::ranges::transform(text, text.begin(), visible);
+    make_visible(text);
     if (!text.empty()) std::cerr << "vort: " << text << '\n';
     return status;
 }

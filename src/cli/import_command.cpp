@@ -30,7 +30,7 @@ CLI::App* add_import_command(CLI::App& app, ImportOptions& options) {
     import->add_flag("--force", options.force, "replace a study that is there")->group("Output");
     import->add_option("--threads", options.threads, "threads [default: all processors]")
         ->type_name("N")
-        ->check(within(1, 1024))
+        ->transform(whole(1, 1024))
         ->group("Resources");
     return import;
 }

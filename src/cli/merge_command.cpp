@@ -63,6 +63,8 @@ void merge_run(const RunOptions& options) {
     Stopwatch watch;
     watch.begin("tables and report");
     LoadedAnalysis analysis = planned_analysis(plan, parts, run, true);
+    // Whoever mapped it looked at its time; here it counts that all have mapped the same.
+    require_same_bytes(genotype_file(plan, part_folder), plan.directory);
     if (run.holdout) analysis.held_back = parts.held_back();
     std::vector<std::string> inputs = paths_of(analysis.study.inputs);
     inputs.push_back(genotype_file(plan, part_folder).file.path);

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "cli/checksums.h"
+#include "cli/doomed_files.h"
 #include "cli/input_guard.h"
 #include "cli/interruption.h"
 #include "cli/outcome.h"
@@ -12,6 +13,7 @@
 #include "cli/ranges.h"
 #include "cli/result_folder.h"
 #include "cli/results.h"
+#include "common/directory_lock.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
 #include "common/stop.h"
@@ -24,7 +26,6 @@ namespace {
 constexpr const char* kPlanFile[] = {kPlanName};
 constexpr int kMostTasks = 100000;
 
-// A new one; the members stand in the order in which they come to be.
 // What tasks are to compare with what they find.
 void require_known(const PlannedFile& planned, const std::string& path) {
     const bool regular = planned.sha256.front() != '(';
@@ -32,6 +33,7 @@ void require_known(const PlannedFile& planned, const std::string& path) {
     input_error(path, 0, "could not be read again for its checksum; plan anew");
 }
 
+// A new one; the members stand in the order in which they come to be.
 class Planner {
   public:
     Planner(const PlanOptions& options, const GivenOptions& given)
@@ -89,7 +91,7 @@ void Planner::load() {
     analysis_ = load_analysis(options_.run, request_, terminal_);
     const std::vector<std::string> inputs = paths_of(analysis_.study.inputs);
     folder_.require_apart(inputs);
-    ResultFolder::require_outside(inputs, part_folder_.path());
+    require_apart(inputs, part_folder_.own_files());
     check_sizes(analysis_.settings, analysis_options(options_.run, ""),
                 analysis_.data.genotypes.is_mapped(), diagnostics_);
     const Genotypes& genotypes = analysis_.data.genotypes;
@@ -108,7 +110,7 @@ void Planner::write_parts() {
     part_folder_.remove();
     part_folder_.make();
     save_genotypes();
-    const std::vector<Checksum> taken = checksums.take();
+    const std::vector<Checksum>& taken = checksums.all();
     for (std::size_t k = 0; k < taken.size(); ++k) plan_.inputs[k].sha256 = taken[k].sha256;
     for (const PlannedFile& input : plan_.inputs) {
         require_known(input, input.file.path);
@@ -178,6 +180,10 @@ void add_tasks(Plan& plan, std::span<const Task> added, const PartFolder& folder
 // Said again, as after a kill, there is nothing to add.
 void extend_plan(const PlanOptions& options, const GivenOptions& given) {
     const PartFolder folder(options.extend);
+    const DirectoryLock lock(options.extend);
+    if (!lock.held()) {
+        input_error(options.extend, 0, "another process is at work there; wait for it");
+    }
     Plan plan = read_task_plan(folder);
     require_planned(given, plan, folder.plan_path(), "permutations");
     if (!options.run.parameters.permutations) {
@@ -216,7 +222,7 @@ CLI::App* add_plan_command(CLI::App& app, PlanOptions& options) {
         ->group(kPlan);
     plan->add_option("--tasks", options.tasks, "in how many tasks; at most one for a data set")
         ->type_name("K")
-        ->check(within(1, kMostTasks))
+        ->transform(whole(1, kMostTasks))
         ->group(kPlan);
     plan->add_option("--extend", options.extend,
                      "add data sets to the plan in DIR, up to --permutations")

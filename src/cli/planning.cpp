@@ -42,6 +42,16 @@ RunOptions options_of(const GivenOptions& given) {
     return options;
 }
 
+// Such a run may be gone on with from anywhere.
+bool names_only_absolute_paths(const RunOptions& options) {
+    const StudyRequest request = study_request(options.input);
+    std::vector<std::string> named = named_files(request);
+    for (const std::string& folder : {options.prepared, options.save_prepared}) {
+        if (!folder.empty()) named.push_back(folder);
+    }
+    return std::ranges::all_of(named, [](const std::string& name) { return name[0] == '/'; });
+}
+
 }  // namespace
 
 Plan plan_for(const LoadedAnalysis& analysis, const GivenOptions& given) {
@@ -134,6 +144,7 @@ RunOptions restored_options(const Plan& plan, const RunOptions& now) {
     RunOptions options = planned_options(plan, now);
     std::error_code failure;
     if (fs::equivalent(plan.directory, fs::current_path(), failure)) return options;
+    if (names_only_absolute_paths(options)) return options;
     options.out = fs::absolute(now.out).string();
     fs::current_path(plan.directory, failure);
     if (!failure) return options;

@@ -69,7 +69,7 @@ CLI::App* add_predict_command(CLI::App& app, PredictOptions& options) {
     predict->add_flag("--force", options.force, "replace files that are there")->group("Output");
     predict->add_option("--threads", options.threads, "threads [default: all processors]")
         ->type_name("N")
-        ->check(within(1, 1024))
+        ->transform(whole(1, 1024))
         ->group("Resources");
     return predict;
 }

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "cli/doomed_files.h"
 #include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
@@ -72,16 +73,8 @@ void PredictionOutput::require_free(const std::string& path, bool force) const {
 }
 
 void PredictionOutput::require_apart(std::span<const std::string> inputs) const {
-    for (const std::string& input : inputs) {
-        for (const File& file : {table_, summary_}) {
-            for (const std::string& path : {file.path, file.unfinished}) {
-                std::error_code absent;
-                if (!fs::equivalent(input, path, absent) || absent) continue;
-                input_error(input, 0,
-                            "is an input, and " + path + " would be written; name another file");
-            }
-        }
-    }
+    vort::require_apart(inputs, std::array{table_.path, table_.unfinished, summary_.path,
+                                           summary_.unfinished, unfinished_});
 }
 
 // Whoever holds the folder's lock may remove what is in it.

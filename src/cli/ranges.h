@@ -2,27 +2,39 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <charconv>
 #include <string>
-#include <type_traits>
 
 #include "common/number_text.h"
 
 namespace vort {
 
-template <typename T>
-CLI::Validator within(T low, T high) {
+inline CLI::Validator within(double low, double high) {
     const auto check = [low, high](const std::string& text) {
-        T value{};
+        double value = 0;
         if (CLI::detail::lexical_cast(text, value) && value >= low && value <= high) {
             return std::string();
         }
-        const auto number = [](T limit) {
-            if constexpr (std::is_integral_v<T>) return std::to_string(limit);
-            return to_text(general(static_cast<double>(limit)));
-        };
-        return text + "; a number from " + number(low) + " to " + number(high) + " expected";
+        return text + "; a number from " + to_text(general(low)) + " to " + to_text(general(high)) +
+               " expected";
     };
     return {check, ""};
+}
+
+// A whole number, for transform(): noughts in front go, since to the library 010 is eight.
+inline CLI::Validator whole(int low, int high) {
+    const auto take = [low, high](std::string& text) {
+        int value = 0;
+        const char* const end = text.data() + text.size();
+        const auto read = std::from_chars(text.data(), end, value);
+        if (read.ec == std::errc() && read.ptr == end && value >= low && value <= high) {
+            text = std::to_string(value);
+            return std::string();
+        }
+        return text + "; a number from " + std::to_string(low) + " to " + std::to_string(high) +
+               " expected";
+    };
+    return {take, ""};
 }
 
 // Neither 0 nor 1.

@@ -4,6 +4,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -11,6 +12,7 @@
 #include <stdexcept>
 #include <system_error>
 
+#include "cli/doomed_files.h"
 #include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
@@ -60,7 +62,7 @@ ResultFolder::ResultFolder(std::string path, std::span<const char* const> names,
     take_lock(terminal);
     look_for_results(force);
     require_apart(inputs);
-    require_outside(inputs, unfinished_);
+    vort::require_apart(inputs, with_all_below(path_in(path_, kUnfinished)));
     std::error_code failure = remove_unfinished();
     if (!failure && fs::create_directory(unfinished_, failure)) return;
     throw InputError{path_ + ": cannot be written (" + failure.message() +
@@ -87,6 +89,10 @@ void ResultFolder::take_lock(Terminal& terminal) {
         throw InputError{path_ + ": another run is at work there; name another directory"};
     }
     if (lock_->error() == 0) return;
+    if (lock_->error() == EACCES) {
+        throw InputError{path_ + ": cannot be read (" + std::strerror(EACCES) +
+                         "); a directory of your own was expected"};
+    }
     terminal.say(path_ + ": cannot be locked (" + std::strerror(lock_->error()) +
                  "); a second run there would not be noticed");
 }
@@ -137,29 +143,14 @@ void ResultFolder::require_room(double bytes) const {
                              "; the results need " + megabytes(bytes));
 }
 
-void ResultFolder::require_apart(std::span<const std::string> inputs) const {
-    for (const std::string& input : inputs) {
-        for (const char* name : names_) {
-            const std::string result = path_in(path_, name);
-            std::error_code absent;
-            if (!fs::equivalent(input, result, absent) || absent) continue;
-            throw InputError{std::string(input)
-                                 .append(": is an input, and ")
-                                 .append(result)
-                                 .append(" a result; name another directory")};
-        }
-    }
+std::vector<std::string> ResultFolder::results() const {
+    std::vector<std::string> paths;
+    for (const char* name : names_) paths.push_back(path_in(path_, name));
+    return paths;
 }
 
-void ResultFolder::require_outside(std::span<const std::string> inputs, const std::string& folder) {
-    for (const std::string& input : inputs) {
-        std::error_code absent;
-        if (!fs::equivalent(folder_of(input), folder, absent)) continue;
-        throw InputError{std::string(input)
-                             .append(": is an input, and ")
-                             .append(folder)
-                             .append(" is removed by the next run there; move it elsewhere")};
-    }
+void ResultFolder::require_apart(std::span<const std::string> inputs) const {
+    vort::require_apart(inputs, results());
 }
 
 void ResultFolder::publish() {

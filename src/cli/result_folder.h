@@ -41,9 +41,6 @@ class ResultFolder {
     // Throws InputError where a result would take the place of an input.
     void require_apart(std::span<const std::string> inputs) const;
 
-    // Throws InputError where an input lies in a folder whose files are removed.
-    static void require_outside(std::span<const std::string> inputs, const std::string& folder);
-
     // Flushes all that was written, removes earlier results and renames what was written. The last
     // name of all goes first and comes last, so that a folder that has it is whole. Throws
     // std::runtime_error where that fails amid the renaming: all results are then left where they
@@ -64,6 +61,7 @@ class ResultFolder {
     void take_lock(Terminal& terminal);
     std::error_code remove_unfinished() const;
     void look_for_results(bool force) const;
+    std::vector<std::string> results() const;
     std::vector<Step> plan() const;
     static int give_names(std::span<const Step> steps, FileDescriptor& folder);
     static void take_names_back(std::span<const Step> steps);

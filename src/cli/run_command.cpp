@@ -1,9 +1,11 @@
 #include "cli/run_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 
 #include "cli/checksums.h"
+#include "cli/doomed_files.h"
 #include "cli/input_guard.h"
 #include "cli/interruption.h"
 #include "cli/loaded_analysis.h"
@@ -54,9 +56,10 @@ class Run {
         work();
         merge();
         finish();
-    } catch (const Stop&) {
+    } catch (const Stop& stop) {
         // What stopped it may be an input that is no longer what it was.
         inputs_.require_unchanged();
+        hopeless_ = !stop.text.empty();
         throw;
     }
 
@@ -64,9 +67,10 @@ class Run {
     void load();
     void check();
     void require_prepared();
-    void require_apart_from_prepared() const;
+    std::vector<std::string> prepared_files(const std::string& folder) const;
     void plan();
     void work();
+    void note_checksums();
     void merge();
     void finish();
     void forget_parts() const noexcept;
@@ -85,6 +89,7 @@ class Run {
     Stopwatch watch_;
     RunLog log_;
     bool done_ = false;
+    bool hopeless_ = false;  // the analysis stopped, as it would again
 
     LoadedAnalysis analysis_;
     std::unique_ptr<Checksums> checksums_;
@@ -97,7 +102,7 @@ void Run::load() {
     analysis_ = load_analysis(options_, request_, terminal_);
     const std::vector<std::string> inputs = paths_of(analysis_.study.inputs);
     folder_.require_apart(inputs);
-    ResultFolder::require_outside(inputs, part_folder_.path());
+    require_apart(inputs, part_folder_.own_files());
     checksums_ = std::make_unique<Checksums>(analysis_.study.inputs);
 }
 
@@ -107,17 +112,31 @@ void Run::check() {
     folder_.require_room(result_bytes(analysis_, options_));
     if (!options_.prepared.empty()) require_prepared();
     if (options_.save_prepared.empty()) return;
-    require_apart_from_prepared();
+    std::vector<std::string> written = prepared_files(options_.save_prepared);
+    std::erase_if(written, [](const std::string& path) {  // a link is replaced, not what it names
+        return std::filesystem::is_symlink(path);
+    });
+    require_apart(paths_of(analysis_.study.inputs), written);
     std::filesystem::create_directories(options_.save_prepared);
+}
+
+// Of all data sets; none where there is no folder of them.
+std::vector<std::string> Run::prepared_files(const std::string& folder) const {
+    std::vector<std::string> files;
+    if (folder.empty()) return files;
+    for (int d = 0; d <= analysis_.parameters.permutations; ++d) {
+        files.push_back(prepared_file_name(folder + '/', d));
+    }
+    return files;
 }
 
 // Prepared files of another study would be taken as this one's.
 void Run::require_prepared() {
-    std::vector<std::string> files;
-    for (int d = 0; d <= analysis_.parameters.permutations; ++d) {
-        const std::string path = prepared_file_name(options_.prepared + '/', d);
-        inputs_.add({&path, 1});
-        if (!std::filesystem::exists(path)) {
+    const std::vector<std::string> files = prepared_files(options_.prepared);
+    inputs_.add(files);
+    for (std::size_t d = 0; d < files.size(); ++d) {
+        const std::string& path = files[d];
+        if (!std::filesystem::is_regular_file(path)) {
             input_error(path, 0,
                         "is not there; a file for each data set expected; make them by "
                         "--save-prepared");
@@ -125,20 +144,8 @@ void Run::require_prepared() {
         require_prepared_for(path, analysis_.data.phenotypes, analysis_.data.clusters,
                              analysis_.parameters.best_m, analysis_.data.genotypes.markers(),
                              d == 0);
-        files.push_back(path);
     }
     folder_.require_apart(files);
-}
-
-void Run::require_apart_from_prepared() const {
-    for (const InputFile& input : analysis_.study.inputs) {
-        std::error_code absent;
-        if (!name_of(input.path).starts_with("prepare_data") ||
-            !std::filesystem::equivalent(folder_of(input.path), options_.save_prepared, absent)) {
-            continue;
-        }
-        input_error(input.path, 0, "is where --save-prepared writes; another directory expected");
-    }
 }
 
 // Of its own data sets; or the one that was begun, if it is the same.
@@ -147,8 +154,13 @@ void Run::plan() {
     plan_.by_run = true;
     plan_.tasks = tasks_of_one_process(analysis_);
     set_permutations(plan_);
+    for (const std::string& path : prepared_files(options_.prepared)) {
+        plan_.inputs.push_back(planned_file({"prepared", path}));
+    }
     if (begun_) {
+        plan_.directory = begun_->directory;  // all paths are absolute if it is another one
         require_same_plan(*begun_, plan_, part_folder_.plan_path());
+        plan_.inputs = begun_->inputs;
         plan_.tasks = begun_->tasks;
         return;
     }
@@ -169,12 +181,23 @@ void Run::work() {
     Progress progress(run_size(analysis_, options_), plan_.data_sets(), todo, terminal_,
                       options_.quiet);
     TaskRunner runner(task_input(analysis_, options_, part_folder_, diagnostics_, progress.tell()),
-                      parts, [this] { inputs_.require_unchanged(); });
+                      parts, [this] {
+                          inputs_.require_unchanged();
+                          note_checksums();
+                      });
     runner.run_all(plan_.tasks, progress);
     progress.finish();
     watch_.share({{"screening", progress.seconds(Stage::kScreen)},
                   {"search", progress.seconds(Stage::kSearch)},
                   {"models", progress.seconds(Stage::kModel)}});
+}
+
+// For whoever goes on with the run: from then on an input may get another time.
+void Run::note_checksums() {
+    if (plan_.inputs.empty() || !plan_.inputs.front().sha256.empty()) return;
+    const std::vector<Checksum>& taken = checksums_->all();
+    for (std::size_t k = 0; k < taken.size(); ++k) plan_.inputs[k].sha256 = taken[k].sha256;
+    write_plan(plan_, part_folder_, diagnostics_);
 }
 
 void Run::merge() {
@@ -186,7 +209,7 @@ void Run::merge() {
 
 void Run::finish() {
     watch_.begin("checksums of the inputs");
-    log_.inputs = checksums_->take();
+    log_.inputs = checksums_->all();
     for (const Checksum& input : log_.inputs) {
         if (input.sha256 == kNotReadAgain) {
             terminal_.say(input.file.path + ": " + input.sha256 + ", so it has no checksum");
@@ -217,7 +240,7 @@ void Run::leave() noexcept {
         folder_.discard();
         if (plan_.tasks.empty()) return;
         const bool usable = std::filesystem::exists(part_folder_.plan_path()) &&
-                            part_folder_.is_screened(0) && inputs_.are_unchanged();
+                            part_folder_.is_screened(0) && inputs_.are_unchanged() && !hopeless_;
         if (!usable) return part_folder_.remove();
         terminal_.say("what is finished stays in " + part_folder_.path() +
                       "; vort run --resume --out " + folder_.path() + " goes on with it");
@@ -234,14 +257,28 @@ std::optional<Plan> begun_plan(const RunOptions& options) {
         return std::nullopt;
     }
     if (!options.resume) {
+        require_plan(parts.plan_path());
         if (options.force) return std::nullopt;
+        const bool by_run = read_plan(parts.plan_path()).by_run;
         input_error(parts.plan_path(), 0,
-                    "a run was begun there; go on with it by --resume, or replace it by --force");
+                    std::string(by_run ? "a run was begun there; go on with it by --resume"
+                                       : "a plan of vort plan is there; go on with it by vort task "
+                                         "and vort merge") +
+                        ", or replace it by --force");
     }
     Plan plan = read_plan(parts.plan_path());
     if (plan.by_run) return plan;
     input_error(parts.plan_path(), 0,
                 "is a plan of vort plan; go on with it by vort task and vort merge");
+}
+
+// Whoever goes on with a run writes nowhere but where the own words say.
+void require_given_again(const GivenOptions& given, const Plan& begun, const std::string& path) {
+    const std::string* const folder = begun.option("save-prepared");
+    const auto is_it = [](const auto& option) { return option.first == "save-prepared"; };
+    if (folder == nullptr || std::ranges::any_of(given, is_it)) return;
+    input_error(path, 0,
+                "the run also writes to " + *folder + "; say so again: --save-prepared " + *folder);
 }
 
 }  // namespace
@@ -275,7 +312,9 @@ void run_study(RunOptions options, const GivenOptions& given) {
                                    "begun needs its input");
     }
     if (!begun) return Run(options, given, std::nullopt).run();
-    require_planned(given, *begun, PartFolder(options.out).plan_path());
+    const std::string path = PartFolder(options.out).plan_path();
+    require_planned(given, *begun, path);
+    require_given_again(given, *begun, path);
     const GivenOptions planned = begun->options;
     options = restored_options(*begun, options);
     Run(options, planned, std::move(begun)).run();

@@ -23,7 +23,7 @@ void add_thread_option(CLI::App& command, int& threads) {
         .add_option("--threads", threads,
                     "threads; any number gives the same results [default: all processors]")
         ->type_name("N")
-        ->check(within(1, 1024))
+        ->transform(whole(1, 1024))
         ->group("Resources");
 }
 
@@ -59,7 +59,7 @@ void add_run_options(CLI::App& command, RunOptions& options) {
                     "of a pair's genotype cells: 0 k-means of their means; 1 to 4 alternatives "
                     "[default: 0]")
         ->type_name("K")
-        ->check(within(0, 4))
+        ->transform(whole(0, 4))
         ->group("Steps and comparisons");
 }
 

@@ -120,7 +120,9 @@ CLI::App* add_task_command(CLI::App& app, TaskOptions& options) {
         ->required()
         ->check(CLI::IsMember({kScreen, kModel}));
     task->add_option("DIR", options.folder, "of vort plan")->required();
-    task->add_option("I", options.task, "the task, from 0")->required()->check(within(0, 1000000));
+    task->add_option("I", options.task, "the task, from 0")
+        ->required()
+        ->transform(whole(0, 1000000));
     add_thread_option(*task, options.threads);
     add_quiet_option(*task, options.quiet);
     return task;

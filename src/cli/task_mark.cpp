@@ -17,6 +17,9 @@ namespace vort {
 
 namespace {
 
+// Nor is a pipe's other end waited for.
+constexpr int kNoLink = O_NOFOLLOW | O_NONBLOCK;
+
 // False where another process has the lock; a file system without locks has none to give.
 bool lock(const FileDescriptor& file) {
     int done = 0;
@@ -38,7 +41,11 @@ std::string own_text() {
 
 }  // namespace
 
-TaskMark::TaskMark(std::string path) : path_(std::move(path)), file_(path_, O_RDWR | O_CREAT) {
+TaskMark::TaskMark(std::string path)
+    : path_(std::move(path)), file_(path_, O_RDWR | O_CREAT | kNoLink) {
+    if (file_.error() == ELOOP || (file_.is_open() && !file_.is_regular_file())) {
+        throw InputError{path_ + ": is no file that a task has left; remove it"};
+    }
     if (!file_.is_open()) return;  // whoever cannot write here is told so by the part
     // Somebody who only looks has it for a moment.
     for (int tries = 0; !lock(file_); ++tries) {
@@ -58,8 +65,8 @@ TaskMark::~TaskMark() {
 }
 
 std::optional<TaskMark::Worker> TaskMark::read(const std::string& path) {
-    FileDescriptor file(path, O_RDONLY);
-    if (!file.is_open()) return std::nullopt;
+    FileDescriptor file(path, O_RDONLY | kNoLink);
+    if (!file.is_open() || !file.is_regular_file()) return std::nullopt;
     const bool at_work = !lock(file);
     return Worker{text_of(file), at_work};
 }

@@ -2,9 +2,8 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <iostream>
-#include <iterator>
+#include <utility>
 
 #include "common/characters.h"
 
@@ -13,9 +12,8 @@ namespace vort {
 Terminal::Terminal() : is_terminal_(::isatty(STDERR_FILENO) == 1) {}
 
 void Terminal::say(std::string_view text) {
-    std::string line = "vort: ";
-    std::ranges::transform(text, std::back_inserter(line), visible);
-    line += '\n';
+    std::string line = "vort: " + std::string(text) + '\n';
+    make_visible(line);
     const std::scoped_lock lock(mutex_);
     erase_progress();
     log_ += line;
@@ -26,7 +24,8 @@ void Terminal::print(std::string_view text) {
     {
         const std::scoped_lock lock(mutex_);
         erase_progress();
-        for (const char c : text) std::cout.put(visible(c));
+        char before = '\0';
+        for (const char c : text) std::cout.put(visible(c, std::exchange(before, c)));
         std::cout.flush();
     }
     if (!std::cout) say("standard output cannot be written; the summary stands in run.log");

@@ -1,6 +1,5 @@
 #include "common/diagnostics.h"
 
-#include <algorithm>
 #include <ostream>
 
 #include "common/characters.h"
@@ -30,7 +29,7 @@ void Diagnostics::say(std::string_view kind, std::string_view file, long line,
     std::string whole = std::string(file) + ':';
     if (line > 0) whole += std::to_string(line) + ':';
     whole += ' ' + text;
-    std::ranges::transform(whole, whole.begin(), visible);
+    make_visible(whole);
     whole += '\n';
     if (count_one(kind, whole) <= kLinesOfAKind) out_ << whole << std::flush;
 }

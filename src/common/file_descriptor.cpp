@@ -1,6 +1,7 @@
 #include "common/file_descriptor.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -20,7 +21,24 @@ auto uninterrupted(Call call) {
     return result;
 }
 
+std::optional<FileIdentity> identity_in(int found, const struct stat& status) {
+    if (found != 0) return std::nullopt;
+    return FileIdentity{status.st_dev, status.st_ino};
+}
+
 }  // namespace
+
+std::optional<FileIdentity> identity_of(const std::string& path) {
+    struct stat status {};
+    const int found = ::stat(path.c_str(), &status);
+    return identity_in(found, status);
+}
+
+std::optional<FileIdentity> identity_of_name(const std::string& path) {
+    struct stat status {};
+    const int found = ::lstat(path.c_str(), &status);
+    return identity_in(found, status);
+}
 
 FileDescriptor::FileDescriptor(const std::string& path, int flags)
     : number_(
@@ -35,6 +53,17 @@ FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
     std::swap(number_, other.number_);
     std::swap(error_, other.error_);
     return *this;
+}
+
+bool FileDescriptor::is_regular_file() const {
+    struct stat status {};
+    return ::fstat(number_, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+std::optional<FileIdentity> FileDescriptor::identity() const {
+    struct stat status {};
+    const int found = ::fstat(number_, &status);
+    return identity_in(found, status);
 }
 
 bool FileDescriptor::note(bool done) {

@@ -5,11 +5,25 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace vort {
+
+// What a name leads to: two names of one file have the same.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+
+    bool operator==(const FileIdentity&) const = default;
+};
+
+// Of what a link leads to, or of the link itself; nothing where there is nothing.
+std::optional<FileIdentity> identity_of(const std::string& path);
+std::optional<FileIdentity> identity_of_name(const std::string& path);
 
 class FileDescriptor {
   public:
@@ -23,6 +37,8 @@ class FileDescriptor {
 
     int number() const { return number_; }
     bool is_open() const { return number_ >= 0; }
+    bool is_regular_file() const;
+    std::optional<FileIdentity> identity() const;
     // Of the first call that failed, a value of errno; 0 where none has.
     int error() const { return error_; }
 

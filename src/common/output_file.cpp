@@ -102,6 +102,7 @@ WholeFile::WholeFile(std::string path, Diagnostics& diagnostics)
       there_(remove_file(unfinished_)),
       file_(unfinished_, OutputFile::Mode::kNew, diagnostics_) {
     there_ = file_.is_open();
+    if (there_) identity_ = file_.identity();
 }
 
 WholeFile::~WholeFile() {
@@ -114,7 +115,12 @@ bool WholeFile::write(std::string_view text) {
     return file_.close_on_disk();
 }
 
+bool WholeFile::is_replaced() const {
+    return identity_ && identity_ != identity_of_name(unfinished_);
+}
+
 bool WholeFile::take_name() {
+    if (is_replaced()) return refused(ESTALE);
     if (std::rename(unfinished_.c_str(), path_.c_str()) != 0) return refused(errno);
     there_ = false;
     return true;
@@ -122,6 +128,7 @@ bool WholeFile::take_name() {
 
 // The second name goes with this object. File systems without second names are asked first instead.
 bool WholeFile::take_free_name() {
+    if (is_replaced()) return refused(ESTALE);
     if (::link(unfinished_.c_str(), path_.c_str()) == 0) return true;
     if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS) return refused(errno);
     struct stat there {};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -32,6 +33,8 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
 
     bool is_open() const { return opened_; }
+    // Until it is closed.
+    std::optional<FileIdentity> identity() const { return file_.identity(); }
     std::ostream& stream() { return stream_; }
 
     template <typename T>
@@ -79,7 +82,8 @@ class OutputFile {
 std::string unfinished_name(const std::string& path);
 
 // A file that gets its name when all of it is on the disk: until then it is PATH.unfinished. A
-// process that is killed leaves the file of that name as it was.
+// process that is killed leaves the file of that name as it was; another one that writes the same
+// file at the same time, where nothing keeps it out, costs one of the two its name.
 class WholeFile {
   public:
     // Whether it could be opened, and why it could not, is told as of an OutputFile.
@@ -99,12 +103,14 @@ class WholeFile {
 
   private:
     bool refused(int error);
+    bool is_replaced() const;
 
     Diagnostics& diagnostics_;
     std::string path_;
     std::string unfinished_;
     bool there_ = false;
     OutputFile file_;
+    std::optional<FileIdentity> identity_;
 };
 
 }  // namespace vort

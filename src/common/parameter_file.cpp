@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 
 #include "common/characters.h"
 #include "common/number_text.h"
@@ -121,10 +122,20 @@ class EntryReader {
     long line_ = 1;
 };
 
+// A file in its place that was not begun by a run that was killed may be an input.
+void require_free_or_begun(const std::string& path, const char* missing, Diagnostics& diagnostics) {
+    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path))) return;
+    if (std::string_view(kDefaultFile).starts_with(TextInput(path).rest())) return;
+    diagnostics.say("files in the place of others", path, 0,
+                    "would be replaced on the way to default parameters; give it another name");
+    stop(missing + std::string("Don't open parameter file\n"));
+}
+
 // Never in the place of what is there but cannot be opened, as a link to nowhere; and as a whole,
 // since the next run takes what it finds.
 void write_default_file(Diagnostics& diagnostics) {
     constexpr const char* kMissing = "Don't find parameter file use default value\n";
+    require_free_or_begun(unfinished_name(std::string(kParameterFileName)), kMissing, diagnostics);
     WholeFile file(std::string(kParameterFileName), diagnostics);
     if (!file.is_open()) stop(kMissing + std::string("Don't open parameter file\n"));
     if (!file.write(kDefaultFile)) stop(kMissing, 1);

@@ -7,6 +7,7 @@
 
 #include "common/input_error.h"
 #include "common/output_file.h"
+#include "common/path_names.h"
 #include "common/stop.h"
 #include "parts/bytes.h"
 #include "parts/sha256.h"
@@ -19,7 +20,14 @@ namespace {
 constexpr std::string_view kMark = "vort part\n";
 constexpr std::uint64_t kVersion = 1;
 constexpr std::size_t kDigits = 64;
-constexpr const char* kRemedy = "remove it and run its task again";
+// Parts of the plan itself are of no task's making.
+const char* remedy_for(const std::string& path) {
+    const std::string_view name = vort::name_of(std::string_view(path));
+    const std::string_view kind = name.substr(0, name.find_first_of("-."));
+    const bool of_a_task = kind == "screen" || kind == "draws" || kind == "model";
+    return of_a_task ? "remove it and run its task again"
+                     : "make the same plan in another directory, and copy the file from there";
+}
 
 struct Title {
     PartTitle title;
@@ -46,7 +54,7 @@ std::string name_of(const PartTitle& title) {
 }
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what) {
-    input_error(path, 0, what + "; " + kRemedy);
+    input_error(path, 0, what + "; " + remedy_for(path));
 }
 
 void require_title(const std::string& path, const PartTitle& found, const PartTitle& title) {
@@ -73,13 +81,15 @@ bool has_title_and_size(const std::string& path, const PartTitle& title) {
     const std::string expected = begun_with(title).take();
     std::uint64_t payload = 0;
     std::string begin(expected.size() + sizeof payload, '\0');
+    std::error_code failure;
+    const std::uintmax_t size = std::filesystem::file_size(path, failure);  // of files only
+    if (failure) return false;
     std::ifstream file(path, std::ios::binary);
     if (!file.read(begin.data(), static_cast<std::streamsize>(begin.size()))) return false;
     if (!begin.starts_with(expected)) return false;
     std::memcpy(&payload, begin.data() + expected.size(), sizeof payload);
-    std::error_code failure;
-    const std::uintmax_t size = std::filesystem::file_size(path, failure);
-    return !failure && size - begin.size() - kDigits == payload;
+    const std::uintmax_t frame = begin.size() + kDigits;
+    return size >= frame && size - frame == payload;
 }
 
 }  // namespace

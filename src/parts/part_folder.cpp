@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <string_view>
 
+#include "common/characters.h"
 #include "common/directory_names.h"
 #include "common/input_error.h"
 #include "common/output_file.h"
@@ -19,22 +22,49 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr std::string_view kGenotypes = "genotypes.bed";
 constexpr const char* kScreen = "screen";
 constexpr const char* kDraws = "draws";
 constexpr const char* kModel = "model";
 constexpr const char* kStart = "start";
 constexpr const char* kHeldBack = "holdout";
 
+bool take_end(std::string_view& name, std::string_view end) {
+    if (!name.ends_with(end)) return false;
+    name.remove_suffix(end.size());
+    return true;
+}
+
+// "screen-17"
+bool is_of_a_task(std::string_view name) {
+    const std::size_t dash = name.find('-');
+    constexpr std::array kinds = {kScreen, kDraws, kModel, kStart};
+    if (dash == std::string_view::npos || dash + 1 == name.size()) return false;
+    return std::ranges::find(kinds, name.substr(0, dash)) != kinds.end() &&
+           std::ranges::all_of(name.substr(dash + 1), is_digit);
+}
+
 // Whatever else lies in the folder is somebody else's.
 bool is_own(std::string_view file) {
-    return file.ends_with(".part") || file.ends_with(".running") || file.ends_with(".unfinished") ||
-           file == "genotypes.bed";
+    if (take_end(file, ".running")) return is_of_a_task(file);
+    const bool unfinished = take_end(file, ".unfinished");
+    if (unfinished && file == "FDR_results") return true;
+    if (file == kGenotypes) return true;
+    constexpr std::array others = {"study", "people", kHeldBack};
+    return take_end(file, ".part") &&
+           (is_of_a_task(file) || std::ranges::find(others, file) != others.end());
 }
 
 }  // namespace
 
 PartFolder::PartFolder(std::string folder)
-    : folder_(std::move(folder)), path_(folder_ + "/parts/") {}
+    : folder_(std::move(folder)), path_(folder_ + "/parts/") {
+    std::error_code absent;
+    const std::string name = folder_ + "/parts";
+    if (!fs::is_symlink(name, absent)) return;
+    throw InputError{name + ": is a link; a directory expected; move the whole of " + folder_ +
+                     " instead of its parts"};
+}
 
 void PartFolder::make() const {
     std::error_code failure;
@@ -42,6 +72,14 @@ void PartFolder::make() const {
     if (fs::is_directory(path_)) return;
     throw InputError{path_ + ": cannot be made (" + failure.message() +
                      "); a directory of your own was expected"};
+}
+
+std::vector<std::string> PartFolder::own_files() const {
+    std::vector<std::string> files = {plan_path(), unfinished_name(plan_path())};
+    for_each_name(path_, [&](int, const char* name) {
+        if (is_own(name)) files.push_back(path_ + name);
+    });
+    return files;
 }
 
 void PartFolder::remove() const {

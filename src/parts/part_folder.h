@@ -16,7 +16,8 @@ namespace vort {
 
 class PartFolder {
   public:
-    // `folder` is that of plan.json. Nothing is touched.
+    // `folder` is that of plan.json. Nothing is touched. Throws InputError where its parts would
+    // be elsewhere, by a link: files are written and removed there.
     explicit PartFolder(std::string folder);
 
     const std::string& path() const { return path_; }  // of the parts, ends with a slash
@@ -27,6 +28,8 @@ class PartFolder {
     void make() const;
     // Removes plan.json, and then all parts and whatever else tasks leave; nothing else.
     void remove() const;
+    // What it would remove.
+    std::vector<std::string> own_files() const;
 
     // Of a finished part of a task: "screen", "draws", "model" or "start"; and the study.
     std::string part_path(const std::string& kind, int task) const;

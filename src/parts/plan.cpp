@@ -20,6 +20,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kExpected = "a plan of vort plan expected";
 constexpr const char* kFormat = "vort-plan";
 constexpr int kFormatVersion = 1;
 constexpr int kIndent = 2;
@@ -34,7 +35,15 @@ Json json_of(const PlannedFile& planned) {
             {"sha256", planned.sha256}};
 }
 
-// What the fingerprint is of.
+// A copy of the same bytes will do; a run begins before it knows their checksum.
+Json lasting(const PlannedFile& planned, bool by_run) {
+    Json out = json_of(planned);
+    out.erase("modified");
+    if (by_run) out.erase("sha256");
+    return out;
+}
+
+// What the fingerprint is of, and a part has to be of.
 Json lasting(const Plan& plan) {
     Json out = Json::object();
     out["format"] = kFormat;
@@ -51,8 +60,10 @@ Json lasting(const Plan& plan) {
                          {"max_retain", plan.parameters.max_retain},
                          {"fdr", plan.parameters.fdr}};
     out["inputs"] = Json::array();
-    for (const PlannedFile& input : plan.inputs) out["inputs"].push_back(json_of(input));
-    out["genotypes"] = json_of(plan.genotypes);
+    for (const PlannedFile& input : plan.inputs) {
+        out["inputs"].push_back(lasting(input, plan.by_run));
+    }
+    out["genotypes"] = lasting(plan.genotypes, plan.by_run);
     return out;
 }
 
@@ -142,6 +153,21 @@ Plan parsed(const Json& json) {
     return plan;
 }
 
+Json json_of_plan(const std::string& text, const std::string& path) {
+    Json json;
+    if (text.size() <= kLongest && nesting_of(text) <= kDeepest) {
+        json = Json::parse(text, nullptr, false);
+    }
+    if (json.is_object() && json.contains("format") && json["format"] == kFormat) return json;
+    input_error(path, 0, "is no plan; one that vort plan or vort run has made expected");
+}
+
+[[noreturn]] void refuse_changed(const std::string& path) {
+    input_error(path, 0,
+                "has changed since the plan was made or the run begun; begin anew in another "
+                "directory, or by --force");
+}
+
 }  // namespace
 
 const std::string* Plan::option(const std::string& name) const {
@@ -162,6 +188,10 @@ std::string Plan::fingerprint() const {
 
 std::string plan_text(const Plan& plan) {
     Json out = lasting(plan);
+    for (std::size_t k = 0; k < plan.inputs.size(); ++k) {
+        out["inputs"][k] = json_of(plan.inputs[k]);
+    }
+    out["genotypes"] = json_of(plan.genotypes);
     out["options"] = Json::array();
     for (const auto& [name, value] : plan.options) out["options"].push_back({name, value});
     out["fingerprint"] = plan.fingerprint();
@@ -179,13 +209,7 @@ std::string plan_text(const Plan& plan) {
 }
 
 Plan plan_of(const std::string& text, const std::string& path, const std::string& version) {
-    Json json;
-    if (text.size() <= kLongest && nesting_of(text) <= kDeepest) {
-        json = Json::parse(text, nullptr, false);
-    }
-    if (!json.is_object() || !json.contains("format") || json["format"] != kFormat) {
-        input_error(path, 0, "is no plan; one that vort plan or vort run has made expected");
-    }
+    const Json json = json_of_plan(text, path);
     try {
         Plan plan = parsed(json);
         if (plan.version == version) return plan;
@@ -199,7 +223,11 @@ Plan plan_of(const std::string& text, const std::string& path, const std::string
 }
 
 Plan read_plan(const std::string& path, const std::string& version) {
-    return plan_of(read_bytes(path, "a plan of vort plan expected"), path, version);
+    return plan_of(read_bytes(path, kExpected), path, version);
+}
+
+void require_plan(const std::string& path) {
+    json_of_plan(read_bytes(path, kExpected), path);
 }
 
 PlannedFile planned_file(const InputFile& file) {
@@ -219,12 +247,14 @@ void require_unchanged(const PlannedFile& planned, const std::string& directory)
     if (found.modified == 0) {
         input_error(path, 0, "cannot be found; it is an input of the plan; put it back");
     }
+    if (found.size != planned.size || planned.sha256.empty()) refuse_changed(path);
+    require_same_bytes(planned, directory);
+}
+
+void require_same_bytes(const PlannedFile& planned, const std::string& directory) {
+    const std::string path = path_in(directory, planned.file.path);
     const std::atomic<bool> wanted{true};
-    if (found.size == planned.size && !planned.sha256.empty() &&
-        sha256_of(path, wanted) == planned.sha256) {
-        return;
-    }
-    input_error(path, 0, "has changed since the plan was made; plan anew in another directory");
+    if (sha256_of(path, wanted) != planned.sha256) refuse_changed(path);
 }
 
 }  // namespace vort

@@ -58,6 +58,8 @@ std::string plan_text(const Plan& plan);
 // Throws InputError where the file cannot be read, is no plan, or is one of another version of the
 // program.
 Plan read_plan(const std::string& path, const std::string& version);
+// Throws InputError where the file is no plan of any version.
+void require_plan(const std::string& path);
 // The same of a text that is said to come from `path`.
 Plan plan_of(const std::string& text, const std::string& path, const std::string& version);
 
@@ -67,5 +69,7 @@ PlannedFile planned_file(const InputFile& file);
 // Throws InputError where a file is no longer what it was. One that has another time is read to see
 // whether its checksum is the same, where that is known.
 void require_unchanged(const PlannedFile& planned, const std::string& directory);
+// The same by its checksum, which is known, whatever its time.
+void require_same_bytes(const PlannedFile& planned, const std::string& directory);
 
 }  // namespace vort

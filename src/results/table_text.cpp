@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <filesystem>
 #include <new>
 
 #include "common/input_error.h"
@@ -156,6 +157,10 @@ void TableReader::fail(std::string_view found, std::string_view expected) const 
 }
 
 std::string read_bytes(const std::string& path, const char* expected) {
+    std::error_code failure;
+    if (std::filesystem::is_other(path, failure) && !path.starts_with("/dev/fd/")) {
+        input_error(path, 0, "is a pipe or a device; a file expected");
+    }
     TextInput input(path);
     if (!input.is_open()) fail_file(path, "cannot be opened", input.open_error(), expected);
     std::string bytes = input.rest();

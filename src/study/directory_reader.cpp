@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <sstream>
 
+#include "common/characters.h"
 #include "common/input_error.h"
 #include "common/path_names.h"
 #include "common/stop.h"
@@ -72,7 +73,8 @@ std::vector<MarkerInfo> read_marker_table(const std::string& path, int expected)
 }
 
 // The first line that tells of a row, without what the bare program makes of it.
-void require_nothing_told(const std::string& told, const std::string& path) {
+void require_nothing_told(const std::string& told, std::string path) {
+    make_visible(path);  // as it is told
     std::istringstream lines(told);
     for (std::string line; std::getline(lines, line);) {
         const bool has_line = line.size() > path.size() + 1 && line.starts_with(path + ':') &&

@@ -17,6 +17,7 @@
 #include "common/file_descriptor.h"
 #include "common/input_error.h"
 #include "study/chromosome_names.h"
+#include "study/vcf_header.h"
 #include "study/vcf_line.h"
 #include "study/word_lines.h"
 
@@ -27,7 +28,6 @@ namespace {
 struct Release {
     void operator()(hFILE* file) const { hclose_abruptly(file); }
     void operator()(htsFile* file) const { hts_close(file); }
-    void operator()(bcf_hdr_t* header) const { bcf_hdr_destroy(header); }
     void operator()(bcf1_t* record) const { bcf_destroy(record); }
 };
 
@@ -101,7 +101,7 @@ class VcfFile::File {
             fail("is cut short; the block that ends a bgzipped file expected; copy it again");
         }
         errno = 0;
-        header_.reset(bcf_hdr_read(file_.get()));
+        header_ = read_vcf_header(*file_, path_);
         if (header_ == nullptr && errno == ENOMEM) throw std::bad_alloc();
         record_.reset(bcf_init());
         if (header_ == nullptr) fail("has no header that can be read; that of a VCF expected");
@@ -122,7 +122,11 @@ class VcfFile::File {
         ++records_;
         if (result < 0) fail_unreadable();
         if (is_text()) {
-            if (!split_vcf_line(line(), fields_)) fail_unreadable();
+            // All calls are there, whether or not somebody asks for them.
+            if (!split_vcf_line(line(), fields_) ||
+                std::ranges::count(fields_.calls, '\t') + 1 != std::ssize(samples())) {
+                fail_unreadable();
+            }
             record = {marker_of(fields_.contig, fields_.name, position(), fields_.alternative,
                                 fields_.reference),
                       fields_.alleles};
@@ -206,7 +210,7 @@ class VcfFile::File {
 
     std::string path_;
     std::unique_ptr<htsFile, Release> file_;
-    std::unique_ptr<bcf_hdr_t, Release> header_;
+    VcfHeader header_;
     std::unique_ptr<bcf1_t, Release> record_;
     long records_ = 0;
     VcfLine fields_;  // of a text

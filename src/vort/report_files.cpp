@@ -19,11 +19,17 @@ void stop_unwritable(const char* name) {
     stop("", name == kReportNames[0] ? 0 : 1);
 }
 
-void remove_earlier(const char* name, const std::string& path, Diagnostics& diagnostics) {
-    if (remove_file(path)) return;
+// 0, or a value of errno.
+int remove_earlier(const std::string& path) {
+    return remove_file(path) ? 0 : errno;
+}
+
+void require_removed(int error, const char* name, const std::string& path,
+                     Diagnostics& diagnostics) {
+    if (error == 0) return;
     diagnostics.say(
         "files that could not be replaced", path, 0,
-        std::string("could not be replaced (") + std::strerror(errno) + "); nothing is analysed");
+        std::string("could not be replaced (") + std::strerror(error) + "); nothing is analysed");
     stop_unwritable(name);
 }
 
@@ -35,7 +41,10 @@ std::array<std::string, 2> paths_in(const std::string& folder) {
 
 void clear_reports(const std::string& folder, Diagnostics& diagnostics) {
     const auto paths = paths_in(folder);
-    for (std::size_t k = 0; k < 2; ++k) remove_earlier(kReportNames[k], paths[k], diagnostics);
+    const std::array errors = {remove_earlier(paths[0]), remove_earlier(paths[1])};
+    for (std::size_t k = 0; k < 2; ++k) {
+        require_removed(errors[k], kReportNames[k], paths[k], diagnostics);
+    }
     for (std::size_t k = 0; k < 2; ++k) {
         if (!WholeFile(paths[k], diagnostics).is_open()) stop_unwritable(kReportNames[k]);
     }

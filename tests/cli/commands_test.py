@@ -298,7 +298,7 @@ class Commands(unittest.TestCase):
         shutil.copy(self.work / "phenotypes.txt", self.work / "prepared/prepare_data0_0.050000.txt")
         self.run_study("x", "--pheno", "prepared/prepare_data0_0.050000.txt", "--pheno-name",
                        "status", "--1", "--save-prepared", "prepared", status=3,
-                       said="where --save-prepared writes")
+                       said="would be written or removed")
 
     def saved_phenotypes(self, folder):
         return [path.read_text().split("\n")[0].split()
@@ -361,7 +361,7 @@ class Commands(unittest.TestCase):
         (self.work / "good/.vort-unfinished").mkdir()
         (self.work / "study.fam").rename(self.work / "good/.vort-unfinished/study.fam")
         self.run_study("good", "--force", "--fam", "good/.vort-unfinished/study.fam", status=3,
-                       said="is removed by the next run")
+                       said="would be written or removed")
         self.assertTrue((self.work / "good/.vort-unfinished/study.fam").exists())
 
     def test_prepared_files_replace_links_not_what_they_lead_to(self):
