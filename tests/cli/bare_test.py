@@ -80,6 +80,16 @@ class Bare(unittest.TestCase):
                                  (self.case / "dat1.txt").read_bytes())
                 self.assert_only(before)
 
+    def test_an_input_on_the_way_to_default_parameters_stays(self):
+        self.make_study()
+        (self.work / "parameter.txt").unlink()
+        table = self.work / "Chromosome_SNP_Name.txt"
+        table.rename(self.work / "parameter.txt.unfinished")
+        table.symlink_to("parameter.txt.unfinished")
+        before = table.read_bytes()
+        self.vort(said="parameter.txt.unfinished: would be replaced .*; give it another name")
+        self.assertEqual(table.read_bytes(), before)
+
     def test_reports_that_cannot_be_written_are_told_before_the_analysis(self):
         for name, status in zip(REPORTS, (0, 1)):
             with self.subTest(name):

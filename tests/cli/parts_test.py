@@ -1,5 +1,6 @@
 """parts_test.py PROGRAM: runs cut into tasks at random, killed, damaged, extended and gone on with,
 all of which are to give the bytes of a run that nothing happens to. Seeds are printed."""
+import fcntl
 import filecmp
 import json
 import os
@@ -165,19 +166,21 @@ class Parts(unittest.TestCase):
                          results(self.work / "whole") | {"run.log"})
 
     def test_what_is_resumed_is_what_was_begun(self):
-        def begin():
+        def begin(*more, study=BED, cwd=self.work):
             shutil.rmtree(self.work / "out", ignore_errors=True)
-            running = subprocess.Popen([PROGRAM, "run", *BED, *ANALYSIS, "--max-retain", "1",
-                                        "--permutations", "600",
-                                        "--out", "out"], cwd=self.work, stderr=subprocess.PIPE)
+            running = subprocess.Popen([PROGRAM, "run", *study, *ANALYSIS, "--max-retain", "1",
+                                        "--permutations", "600", *more, "--out",
+                                        os.path.relpath(self.work / "out", cwd)], cwd=cwd,
+                                       stderr=subprocess.PIPE)
             while not (self.work / "out/parts/model-0.part").exists():
                 time.sleep(0.01)
             running.terminate()
-            self.assertRegex(running.communicate()[1].decode(), "--resume --out out goes on")
+            self.assertRegex(running.communicate()[1].decode(), "--resume --out .*out goes on")
 
+        self.run_uncut("whole", 600, "--max-retain", "1", "--save-prepared", "prepared")
         begin()
         for words, status, said in [
-            ([*BED], 3, "a plan of vort plan is there"),
+            ([*BED], 3, "a run was begun there"),
             (["--resume", "--best-m", "11"], 3, "--best-m 11 was given, .* --best-m 12"),
             (["--resume", "--maf", "0.1"], 3, "--maf 0.1 was given, .* with no --maf"),
         ]:
@@ -185,6 +188,19 @@ class Parts(unittest.TestCase):
         (self.work / "study.bim").write_text((self.work / "study.bim").read_text() + "\n")
         self.vort("run", "--resume", "--out", "out", status=3, said="study.bim: has changed")
         self.study.write_bed()
+        begin("--prepared", "prepared")
+        os.utime(self.work / "prepared/prepare_data7_0.050000.txt")
+        self.vort("run", "--resume", "--out", "out", status=3, said="data7_.* has changed")
+        begin("--save-prepared", "more")
+        self.vort("run", "--resume", "--out", "out", status=3, said="again: --save-prepared more")
+        gone = self.work / "gone"
+        gone.mkdir()
+        begin(study=["--bfile", self.work / "study"], cwd=gone)
+        gone.rmdir()
+        os.utime(self.work / "study.fam")  # the same bytes
+        self.vort("run", "--resume", "--out", "out")
+        self.assertEqual((self.work / "out/permutations.tsv").read_bytes(),
+                         (self.work / "whole/permutations.tsv").read_bytes())
         begin()
         inside = self.work / "inside"
         inside.mkdir()
@@ -252,6 +268,30 @@ class Parts(unittest.TestCase):
         plan.write_text(plan.read_text().replace('"max_retain": 3', '"max_retain": 4'))
         self.vort("task", "screen", "cut", "1", status=3, said="a plan that has been changed")
 
+    def test_genotypes_that_are_spoilt_without_a_trace_are_not_merged(self):
+        self.plan("cut", 9, 2, study=VCF)
+        path = self.work / "cut/parts/genotypes.bed"
+        whole, times = bytearray(path.read_bytes()), path.stat()
+        whole[self.random.randrange(3, len(whole))] ^= 1
+        path.write_bytes(whole)
+        os.utime(path, ns=(times.st_atime_ns, times.st_mtime_ns))
+        for step in ("screen", "model"):
+            self.do_tasks("cut", step, range(2))
+        self.vort("merge", "cut", status=3, said="genotypes.bed: has changed")
+
+    def test_a_part_of_the_plan_is_made_again_by_the_same_plan(self):
+        self.run_uncut("whole", 9)
+        for out in ("cut", "again"):
+            self.plan(out, 9, 2, "--force")
+        for name in ("people", "start-1"):
+            path = self.work / f"cut/parts/{name}.part"
+            path.write_bytes(path.read_bytes()[:-1])
+            self.vort("task", "screen", "cut", "1", status=3,
+                      said=f"{name}.part: is damaged.*; make the same plan in another directory")
+            shutil.copy(self.work / f"again/parts/{name}.part", path)
+        self.do_all("cut")
+        self.assert_same("cut", "whole")
+
     def test_a_full_disk_costs_the_part_at_work_alone(self):
         self.run_uncut("whole", 9)
         self.plan("cut", 9, 2)
@@ -297,6 +337,59 @@ class Parts(unittest.TestCase):
         shutil.copy(self.work / "study.bed", self.work / "out/parts/genotypes.bed")
         self.vort("run", *BED, "--bed", "out/parts/genotypes.bed", "--out", "out", "--force",
                   status=3, said="genotypes.bed: is an input")
+
+    def test_no_input_is_lost_under_any_name(self):
+        place = "out/.vort-unfinished"
+        for name, moved, linked, words in [
+            ("study.fam", f"{place}/study.fam", True, BED),
+            ("study.fam", f"{place}/deep/study.fam", False, [*BED, "--fam", f"{place}/deep/study.fam"]),
+            ("study.fam", place, False, [*BED, "--fam", place]),
+            ("study.bed", "out/parts/genotypes.bed", True, BED),
+            ("study.bed", "out/parts/screen-0.part", True, BED),
+            ("study.bed", "kept/prepare_data0_0.050000.txt", True, [*BED, "--save-prepared", "kept"]),
+            ("phenotypes.txt", "out/plan.json.unfinished", True, VCF),
+            ("phenotypes.txt", "out/plan.json", True, VCF),
+        ]:
+            before = (self.work / name).read_bytes()
+            with self.subTest(moved):
+                target = self.work / moved
+                target.parent.mkdir(parents=True)
+                (self.work / name).rename(target)
+                if linked:
+                    (self.work / name).symlink_to(moved)
+                said = "is no plan" if moved.endswith(".json") else "would be written or removed"
+                self.vort("run", *words, "--permutations", "2", "--out", "out", "--force",
+                          status=3, said=said)
+                self.assertEqual(target.read_bytes(), before)
+            (self.work / name).unlink(missing_ok=True)
+            (self.work / name).write_bytes(before)
+            for folder in ("out", "kept"):
+                shutil.rmtree(self.work / folder, ignore_errors=True)
+
+    def test_a_folder_of_others_leads_nowhere_else(self):
+        elsewhere = self.work / "elsewhere"
+        elsewhere.mkdir()
+        (elsewhere / "screen-0.part").write_text("theirs")
+        self.plan("cut", 9, 2)
+        (self.work / "cut/parts/screen-0.running").symlink_to(elsewhere / "screen-0.part")
+        self.vort("task", "screen", "cut", "0", status=3, said="is no file that a task has left")
+        (self.work / "out").mkdir()
+        (self.work / "out/parts").symlink_to(elsewhere)
+        self.vort("run", *BED, "--out", "out", status=3, said="out/parts: is a link")
+        self.assertEqual((elsewhere / "screen-0.part").read_text(), "theirs")
+        (self.work / "cut/plan.json").unlink()
+        os.mkfifo(self.work / "cut/plan.json")
+        self.vort("status", "cut", status=3, said="plan.json: is a pipe or a device", timeout=60)
+
+    def test_one_extension_at_a_time(self):
+        self.plan("cut", "09", 2)
+        self.assertEqual(json.loads((self.work / "cut/plan.json").read_text())["data_sets"], 10)
+        folder = os.open(self.work / "cut", os.O_RDONLY)
+        fcntl.flock(folder, fcntl.LOCK_EX)
+        self.vort("plan", "--extend", "cut", "--permutations", "12", status=3,
+                  said="cut: another process is at work there")
+        os.close(folder)
+        self.vort("plan", "--extend", "cut", "--permutations", "12")
 
     def test_misuse(self):
         (self.work / "odd").mkdir()

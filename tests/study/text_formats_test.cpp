@@ -107,6 +107,11 @@ TEST(Vcf, WhatCannotBeReadIsTold) {
          "s.vcf: sample 2 has no name; one expected"},
         {vcf_of("1 5 r A G GT 0/0 0/1 1/1\n"), "s.vcf:4: " + record},
         {vcf_of("1 5 r A\n"), "s.vcf:4: " + record},
+        // Of three alleles: left out, but not before it is whole.
+        {vcf_of("1 5 r A G,T GT 0/0 0/1 1/1\n"), "s.vcf:4: " + record},
+        {"##fileformat=VCFv4.2\n##contig=<ID=1,IDX=\"2000000000\">\n#CHROM\n",
+         "s.vcf: its header numbers an entry 2000000000 by IDX; at most 65597 expected in one of "
+         "61 bytes"},
         {vcf_of("1 5 r A G GT 0/0 0/1 a/b 0/0\n"), "s.vcf:4: " + record},
         {vcf_of("1 5 r A G DP:GT 3:0/0 4:0/1 5:0/0 6:1/0/\n"), "s.vcf:4: " + record},
         {vcf_of("1 5 r A G DP:GT 3:0/0 4:0/1 5:\n"), "s.vcf:4: " + record},
