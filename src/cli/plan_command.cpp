@@ -107,6 +107,7 @@ void Planner::write_parts() {
     plan_ = plan_for(analysis_, given_);
     plan_.tasks = equal_tasks(analysis_.parameters.permutations + 1, options_.tasks);
     set_permutations(plan_);
+    require_lasting_names(plan_);
     part_folder_.remove();
     part_folder_.make();
     save_genotypes();

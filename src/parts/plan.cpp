@@ -186,6 +186,17 @@ std::string Plan::fingerprint() const {
     return sha256(text_of(lasting(*this)));
 }
 
+void require_lasting_names(const Plan& plan) {
+    std::vector<std::string> names = {plan.directory};
+    for (const PlannedFile& input : plan.inputs) names.push_back(input.file.path);
+    for (const auto& [name, value] : plan.options) names.push_back(value);
+    for (const std::string& name : names) {
+        const std::string text = text_of(name);
+        if (Json::parse(text).get_ref<const std::string&>() == name) continue;
+        input_error(name, 0, "is not UTF-8, which a plan's names have to be; rename it");
+    }
+}
+
 std::string plan_text(const Plan& plan) {
     Json out = lasting(plan);
     for (std::size_t k = 0; k < plan.inputs.size(); ++k) {

@@ -54,6 +54,8 @@ struct Plan {
 
 inline constexpr const char* kPlanName = "plan.json";
 
+// Throws InputError where a name is not UTF-8, so that a plan cannot hold it.
+void require_lasting_names(const Plan& plan);
 std::string plan_text(const Plan& plan);
 // Throws InputError where the file cannot be read, is no plan, or is one of another version of the
 // program.

@@ -50,7 +50,7 @@ class Parts(unittest.TestCase):
 
     def vort(self, *words, status=0, said="", **more):
         done = subprocess.run([PROGRAM, *map(str, words)], cwd=self.work, capture_output=True,
-                              text=True, **more)
+                              text=True, errors="replace", **more)
         self.assertEqual(done.returncode, status, f"{words}: {done.stderr}")
         if said:
             self.assertRegex(done.stderr, said)
@@ -395,6 +395,8 @@ class Parts(unittest.TestCase):
         (self.work / "odd").mkdir()
         (self.work / "odd/plan.json").write_text('{"format": 5}')
         self.plan("cut", 9, 2)
+        for end in ("bed", "bim", "fam"):
+            shutil.copy(self.work / f"study.{end}", self.work / f"st\udcffdy.{end}")
         for words, status, said in [
             (["task", "screen", "cut", "2"], 2, "has tasks 0 to 1, not 2"),
             (["task", "sing", "cut", "0"], 2, "sing not in"),
@@ -405,6 +407,7 @@ class Parts(unittest.TestCase):
             (["plan", *BED, "--out", "cut", "--tasks", "2"], 3, "plan.json: is there already"),
             (["plan", *BED, "--out", "new"], 2, "--tasks K is required"),
             (["plan", *BED, "--tasks", "2"], 2, "--out DIR is required"),
+            (["plan", "--bfile", "st\udcffdy", "--out", "x", "--tasks", "2"], 3, "is not UTF-8"),
             (["plan", "--extend", "cut", "--permutations", "12", "--best-m", "3"], 3,
              "--best-m 3 was given"),
             (["run", *BED, "--out", "cut"], 3, "a plan of vort plan is there"),
