@@ -34,7 +34,7 @@ std::optional<std::string> bcf_text(BGZF& file) {
         return std::nullopt;
     }
     std::size_t left = 0;
-    for (std::size_t k = length.size(); k-- > 0;) left = 256 * left + length[k];
+    for (std::size_t k = 0; k < length.size(); ++k) left += std::size_t{length[k]} << 8 * k;
     std::string text;
     while (left > 0) {
         const std::size_t piece = std::min<std::size_t>(left, 65536);
