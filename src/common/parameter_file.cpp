@@ -124,7 +124,8 @@ class EntryReader {
 
 // A file in its place that was not begun by a run that was killed may be an input.
 void require_free_or_begun(const std::string& path, const char* missing, Diagnostics& diagnostics) {
-    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path))) return;
+    std::error_code absent;
+    if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(path, absent))) return;
     if (std::string_view(kDefaultFile).starts_with(TextInput(path).rest())) return;
     diagnostics.say("files in the place of others", path, 0,
                     "would be replaced on the way to default parameters; give it another name");
