@@ -11,6 +11,7 @@
 #include "cli/terminal.h"
 #include "common/input_error.h"
 #include "report/wording.h"
+#include "results/model_json.h"
 
 namespace vort {
 
@@ -46,11 +47,21 @@ TaskState state_of(const Parts& parts, const char* step, const Task& task) {
     return {task, worker->at_work ? "running" : "stopped", worker->text};
 }
 
-// Those of a plan that has been extended since are no longer its own.
-bool has_results(const PartFolder& folder, const std::string& path) {
+int permutations_of_results(const std::string& path) {
+    try {
+        return read_model(path + "/model.json").at("result").at("permutations").get<int>();
+    } catch (const InputError&) {
+    } catch (const Json::exception&) {
+    }
+    return -1;
+}
+
+// Those of a plan that has been made anew or extended since are no longer its own.
+bool has_results(const Plan& plan, const PartFolder& folder, const std::string& path) {
     std::error_code absent;
     const auto made = std::filesystem::last_write_time(path + '/' + kRunResults.back(), absent);
-    return !absent && made >= std::filesystem::last_write_time(folder.plan_path(), absent);
+    return !absent && made >= std::filesystem::last_write_time(folder.plan_path(), absent) &&
+           permutations_of_results(path) == plan.parameters.permutations;
 }
 
 Json json_of(const Parts& parts, const Plan& plan, const std::string& path) {
@@ -71,7 +82,7 @@ Json json_of(const Parts& parts, const Plan& plan, const std::string& path) {
             out[step].push_back(std::move(one));
         }
     }
-    out["results"] = has_results(parts.folder(), path);
+    out["results"] = has_results(plan, parts.folder(), path);
     return out;
 }
 
@@ -124,7 +135,7 @@ void show_status(const StatusOptions& options) {
     if (options.json) return terminal.print(json_of(parts, plan, options.folder).dump(2) + '\n');
     std::string text = row("STEP", "TASKS", "DATA SETS", "STATE");
     for (const char* step : kSteps) text += table_of(parts, plan, step);
-    text += row("merge", "", "", has_results(folder, options.folder) ? "done" : "missing");
+    text += row("merge", "", "", has_results(plan, folder, options.folder) ? "done" : "missing");
     terminal.print(text);
 }
 

@@ -128,8 +128,10 @@ class Parts(unittest.TestCase):
         self.do_all("cut")
         for permutations in (self.random.randint(first + 1, 29), 30):
             self.vort("plan", "--extend", "cut", "--permutations", permutations)
+            os.utime(self.work / "cut/run.log")
             status = json.loads(self.vort("status", "cut", "--json").stdout)
             self.assertEqual({task["state"] for task in status["screen"]}, {"done", "missing"})
+            self.assertFalse(status["results"])
             self.do_all("cut", "--force")
         self.assert_same("cut", "whole")
         plan = (self.work / "cut/plan.json").read_bytes()
