@@ -66,6 +66,12 @@ std::optional<FileIdentity> FileDescriptor::identity() const {
     return identity_in(found, status);
 }
 
+FileDescriptor FileDescriptor::duplicate() const {
+    FileDescriptor copy;
+    copy.number_ = ::fcntl(number_, F_DUPFD_CLOEXEC, 0);
+    return copy;
+}
+
 bool FileDescriptor::note(bool done) {
     if (!done && error_ == 0) error_ = errno;
     return done;

@@ -39,6 +39,8 @@ class FileDescriptor {
     bool is_open() const { return number_ >= 0; }
     bool is_regular_file() const;
     std::optional<FileIdentity> identity() const;
+    // Another one of the same file, closed by itself; none is open where there is no number for it.
+    FileDescriptor duplicate() const;
     // Of the first call that failed, a value of errno; 0 where none has.
     int error() const { return error_; }
 

@@ -102,7 +102,7 @@ WholeFile::WholeFile(std::string path, Diagnostics& diagnostics)
       there_(remove_file(unfinished_)),
       file_(unfinished_, OutputFile::Mode::kNew, diagnostics_) {
     there_ = file_.is_open();
-    if (there_) identity_ = file_.identity();
+    if (there_) held_ = file_.duplicate();
 }
 
 WholeFile::~WholeFile() {
@@ -116,7 +116,7 @@ bool WholeFile::write(std::string_view text) {
 }
 
 bool WholeFile::is_replaced() const {
-    return identity_ && identity_ != identity_of_name(unfinished_);
+    return held_.is_open() && held_.identity() != identity_of_name(unfinished_);
 }
 
 bool WholeFile::take_name() {

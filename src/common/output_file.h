@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <optional>
 #include <ostream>
 #include <streambuf>
 #include <string>
@@ -33,8 +32,8 @@ class OutputFile {
     OutputFile& operator=(const OutputFile&) = delete;
 
     bool is_open() const { return opened_; }
-    // Until it is closed.
-    std::optional<FileIdentity> identity() const { return file_.identity(); }
+    // Keeps the file in being when it has been closed, as long as it is open itself.
+    FileDescriptor duplicate() const { return file_.duplicate(); }
     std::ostream& stream() { return stream_; }
 
     template <typename T>
@@ -110,7 +109,7 @@ class WholeFile {
     std::string unfinished_;
     bool there_ = false;
     OutputFile file_;
-    std::optional<FileIdentity> identity_;
+    FileDescriptor held_;  // so that no other file gets its identity
 };
 
 }  // namespace vort

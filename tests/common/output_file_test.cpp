@@ -75,6 +75,20 @@ TEST(WholeFile, HasItsNameWhenAllOfItIsWritten) {
     }
     EXPECT_EQ(read_file("report"), "new");
     EXPECT_EQ(told.take(), "other: could not be replaced (Is a directory)\n");
+    // Two at a time: nobody gets what the other has begun.
+    std::optional<WholeFile> first(std::in_place, "shared", told.diagnostics);
+    EXPECT_TRUE(first->write("first"));
+    WholeFile second("shared", told.diagnostics);
+    EXPECT_FALSE(first->take_name());
+    EXPECT_EQ(told.take(), "shared: could not be replaced (Stale file handle)\n");
+    EXPECT_TRUE(second.write("second") && second.take_name());
+    EXPECT_EQ(read_file("shared"), "second");
+}
+
+TEST(Diagnostics, ShowNoControlCharacter) {
+    Told told;
+    told.diagnostics.say("odd names", "d\x9f\xc3\x9f", 0, "\x1b[2J \x7f \xc2\x9b \xc2\xa0");
+    EXPECT_EQ(told.take(), "d\x9f\xc3\x9f: ?[2J ? \xc2? \xc2\xa0\n");
 }
 
 TEST(Diagnostics, HoldsBackAllButTenLinesOfAKindAndRepetitions) {
