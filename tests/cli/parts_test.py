@@ -171,7 +171,7 @@ class Parts(unittest.TestCase):
         def begin(*more, study=BED, cwd=self.work):
             shutil.rmtree(self.work / "out", ignore_errors=True)
             running = subprocess.Popen([PROGRAM, "run", *study, *ANALYSIS, "--max-retain", "1",
-                                        "--permutations", "600", *more, "--out",
+                                        "--permutations", "300", *more, "--out",
                                         os.path.relpath(self.work / "out", cwd)], cwd=cwd,
                                        stderr=subprocess.PIPE)
             while not (self.work / "out/parts/model-0.part").exists():
@@ -179,7 +179,7 @@ class Parts(unittest.TestCase):
             running.terminate()
             self.assertRegex(running.communicate()[1].decode(), "--resume --out .*out goes on")
 
-        self.run_uncut("whole", 600, "--max-retain", "1", "--save-prepared", "prepared")
+        self.run_uncut("whole", 300, "--max-retain", "1", "--save-prepared", "prepared")
         begin()
         for words, status, said in [
             ([*BED], 3, "a run was begun there"),
