@@ -56,10 +56,9 @@ class Run {
         work();
         merge();
         finish();
-    } catch (const Stop& stop) {
+    } catch (const Stop&) {
         // What stopped it may be an input that is no longer what it was.
         inputs_.require_unchanged();
-        hopeless_ = !stop.text.empty();
         throw;
     }
 
@@ -89,7 +88,6 @@ class Run {
     Stopwatch watch_;
     RunLog log_;
     bool done_ = false;
-    bool hopeless_ = false;  // the analysis stopped, as it would again
 
     LoadedAnalysis analysis_;
     std::unique_ptr<Checksums> checksums_;
@@ -240,7 +238,7 @@ void Run::leave() noexcept {
         folder_.discard();
         if (plan_.tasks.empty()) return;
         const bool usable = std::filesystem::exists(part_folder_.plan_path()) &&
-                            part_folder_.is_screened(0) && inputs_.are_unchanged() && !hopeless_;
+                            part_folder_.is_screened(0) && inputs_.are_unchanged();
         if (!usable) return part_folder_.remove();
         terminal_.say("what is finished stays in " + part_folder_.path() +
                       "; vort run --resume --out " + folder_.path() + " goes on with it");
@@ -256,20 +254,19 @@ std::optional<Plan> begun_plan(const RunOptions& options) {
         if (failure) input_error(parts.plan_path(), 0, "cannot be read: " + failure.message());
         return std::nullopt;
     }
-    if (!options.resume) {
+    if (options.force && !options.resume) {
         require_plan(parts.plan_path());
-        if (options.force) return std::nullopt;
-        const bool by_run = read_plan(parts.plan_path()).by_run;
-        input_error(parts.plan_path(), 0,
-                    std::string(by_run ? "a run was begun there; go on with it by --resume"
-                                       : "a plan of vort plan is there; go on with it by vort task "
-                                         "and vort merge") +
-                        ", or replace it by --force");
+        return std::nullopt;
     }
     Plan plan = read_plan(parts.plan_path());
-    if (plan.by_run) return plan;
+    if (!plan.by_run) {
+        input_error(parts.plan_path(), 0,
+                    "is a plan of vort plan; go on with it by vort task and vort merge, or replace "
+                    "it by --force");
+    }
+    if (options.resume) return plan;
     input_error(parts.plan_path(), 0,
-                "is a plan of vort plan; go on with it by vort task and vort merge");
+                "a run was begun there; go on with it by --resume, or replace it by --force");
 }
 
 // Whoever goes on with a run writes nowhere but where the own words say.
@@ -291,7 +288,8 @@ CLI::App* add_run_command(CLI::App& app, RunOptions& options) {
         ->required()
         ->group("Output");
     run->add_flag("--resume", options.resume,
-                  "go on with a run that was killed; its options need not be given again")
+                  "go on with a run that was killed; its options need not be given again, "
+                  "but for --save-prepared")
         ->group("Output");
     constexpr const char* kSteps = "Steps and comparisons";
     run->add_option("--save-prepared", options.save_prepared,

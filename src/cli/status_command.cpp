@@ -1,9 +1,12 @@
 #include "cli/status_command.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <span>
+#include <vector>
 
 #include "cli/planning.h"
 #include "cli/results.h"
@@ -56,6 +59,12 @@ int permutations_of_results(const std::string& path) {
     return -1;
 }
 
+std::vector<TaskState> states_of(const Parts& parts, const Plan& plan, const char* step) {
+    std::vector<TaskState> states;
+    for (const Task& task : plan.tasks) states.push_back(state_of(parts, step, task));
+    return states;
+}
+
 // Those of a plan that has been made anew or extended since are no longer its own.
 bool has_results(const Plan& plan, const PartFolder& folder, const std::string& path) {
     std::error_code absent;
@@ -70,11 +79,10 @@ Json json_of(const Parts& parts, const Plan& plan, const std::string& path) {
     out["data_sets"] = plan.data_sets();
     for (const char* step : kSteps) {
         out[step] = Json::array();
-        for (const Task& task : plan.tasks) {
-            const TaskState state = state_of(parts, step, task);
-            Json one = {{"task", task.number},
-                        {"first", task.first},
-                        {"count", task.count},
+        for (const TaskState& state : states_of(parts, plan, step)) {
+            Json one = {{"task", state.task.number},
+                        {"first", state.task.first},
+                        {"count", state.task.count},
                         {"state", state.state}};
             if (!state.detail.empty()) {
                 one[state.state == "unusable" ? "fault" : "worker"] = state.detail;
@@ -99,20 +107,19 @@ std::string row(std::string step, std::string tasks, std::string data_sets,
 }
 
 // Neighbours of the same state share a line.
-std::string table_of(const Parts& parts, const Plan& plan, const char* step) {
+std::string table_of(std::span<const TaskState> states, const char* step) {
     std::string text;
-    for (std::size_t t = 0; t < plan.tasks.size();) {
-        const TaskState first = state_of(parts, step, plan.tasks[t]);
-        std::size_t last = t;
-        while (first.detail.empty() && last + 1 < plan.tasks.size()) {
-            const TaskState next = state_of(parts, step, plan.tasks[last + 1]);
-            if (next.state != first.state || !next.detail.empty()) break;
-            ++last;
-        }
-        text += row(step, range_text(first.task.number, plan.tasks[last].number),
-                    range_text(first.task.first, plan.tasks[last].end() - 1),
+    while (!states.empty()) {
+        const TaskState& first = states.front();
+        const auto other = std::ranges::find_if(states.subspan(1), [&](const TaskState& next) {
+            return !first.detail.empty() || next.state != first.state || !next.detail.empty();
+        });
+        const auto alike = static_cast<std::size_t>(other - states.begin());
+        const Task& last = states[alike - 1].task;
+        text += row(step, range_text(first.task.number, last.number),
+                    range_text(first.task.first, last.end() - 1),
                     first.state + (first.detail.empty() ? "" : ' ' + first.detail));
-        t = last + 1;
+        states = states.subspan(alike);
     }
     return text;
 }
@@ -134,7 +141,7 @@ void show_status(const StatusOptions& options) {
     const Parts parts(folder, plan, diagnostics);
     if (options.json) return terminal.print(json_of(parts, plan, options.folder).dump(2) + '\n');
     std::string text = row("STEP", "TASKS", "DATA SETS", "STATE");
-    for (const char* step : kSteps) text += table_of(parts, plan, step);
+    for (const char* step : kSteps) text += table_of(states_of(parts, plan, step), step);
     text += row("merge", "", "", has_results(plan, folder, options.folder) ? "done" : "missing");
     terminal.print(text);
 }

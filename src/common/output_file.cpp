@@ -107,7 +107,7 @@ WholeFile::WholeFile(std::string path, Diagnostics& diagnostics)
 
 WholeFile::~WholeFile() {
     file_.close();
-    if (there_) remove_file(unfinished_);
+    if (there_ && !is_replaced()) remove_file(unfinished_);
 }
 
 bool WholeFile::write(std::string_view text) {

@@ -64,7 +64,7 @@ void Merger::take_modelled() {
 void Merger::take(const Task& task, ModelPart&& part) {
     if (task.first == 0) observed_ = std::move(part.observed);
     if (observed_.exists && std::cmp_not_equal(part.data_sets.size(), task.count)) {
-        refuse_payload(parts_.folder().part_path("model", task.number));
+        refuse_payload(parts_.folder().part_path("model", task.number), "model");
     }
     for (std::size_t k = 0; k < part.data_sets.size(); ++k) {
         const int d = task.first + static_cast<int>(k);

@@ -7,7 +7,6 @@
 
 #include "common/input_error.h"
 #include "common/output_file.h"
-#include "common/path_names.h"
 #include "common/stop.h"
 #include "parts/bytes.h"
 #include "parts/sha256.h"
@@ -20,10 +19,9 @@ namespace {
 constexpr std::string_view kMark = "vort part\n";
 constexpr std::uint64_t kVersion = 1;
 constexpr std::size_t kDigits = 64;
+
 // Parts of the plan itself are of no task's making.
-const char* remedy_for(const std::string& path) {
-    const std::string_view name = vort::name_of(std::string_view(path));
-    const std::string_view kind = name.substr(0, name.find_first_of("-."));
+const char* remedy_for(std::string_view kind) {
     const bool of_a_task = kind == "screen" || kind == "draws" || kind == "model";
     return of_a_task ? "remove it and run its task again"
                      : "make the same plan in another directory, and copy the file from there";
@@ -53,16 +51,17 @@ std::string name_of(const PartTitle& title) {
            std::to_string(title.first) + " to " + std::to_string(title.first + title.count - 1);
 }
 
-[[noreturn]] void refuse(const std::string& path, const std::string& what) {
-    input_error(path, 0, what + "; " + remedy_for(path));
+[[noreturn]] void refuse(const std::string& path, std::string_view kind, const std::string& what) {
+    input_error(path, 0, what + "; " + remedy_for(kind));
 }
 
 void require_title(const std::string& path, const PartTitle& found, const PartTitle& title) {
     if (found.fingerprint != title.fingerprint) {
-        refuse(path, "belongs to another plan, or to an earlier form of this one");
+        refuse(path, title.kind, "belongs to another plan, or to an earlier form of this one");
     }
     if (found == title) return;
-    refuse(path, "is the " + name_of(found) + "; the " + name_of(title) + " was expected");
+    refuse(path, title.kind,
+           "is the " + name_of(found) + "; the " + name_of(title) + " was expected");
 }
 
 // All that stands before the payload's length.
@@ -111,10 +110,10 @@ void write_part(const std::string& path, const PartTitle& title, std::string_vie
 
 std::string_view payload_of(std::string_view bytes, const std::string& path,
                             const PartTitle& title) {
-    if (!bytes.starts_with(kMark)) refuse(path, "is no part of a run");
+    if (!bytes.starts_with(kMark)) refuse(path, title.kind, "is no part of a run");
     if (bytes.size() < kMark.size() + kDigits ||
         sha256(bytes.substr(0, bytes.size() - kDigits)) != bytes.substr(bytes.size() - kDigits)) {
-        refuse(path, "is damaged: its checksum does not agree");
+        refuse(path, title.kind, "is damaged: its checksum does not agree");
     }
     bytes.remove_prefix(kMark.size());
     bytes.remove_suffix(kDigits);
@@ -123,7 +122,7 @@ std::string_view payload_of(std::string_view bytes, const std::string& path,
         require_title(path, found.title, title);
         return found.payload;
     } catch (const MalformedBytes&) {
-        refuse(path, "is of another version of the program");
+        refuse(path, title.kind, "is of another version of the program");
     }
 }
 
@@ -135,8 +134,8 @@ std::string read_part(const std::string& path) {
     return read_bytes(path, "a part of the plan expected");
 }
 
-void refuse_payload(const std::string& path) {
-    refuse(path, "holds what cannot be");
+void refuse_payload(const std::string& path, std::string_view kind) {
+    refuse(path, kind, "holds what cannot be");
 }
 
 }  // namespace vort

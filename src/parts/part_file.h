@@ -44,6 +44,6 @@ std::string_view payload_of(std::string_view bytes, const std::string& path,
 void require_title_and_size(const std::string& path, const PartTitle& title);
 
 // Where the payload itself makes no sense, though its checksum is right.
-[[noreturn]] void refuse_payload(const std::string& path);
+[[noreturn]] void refuse_payload(const std::string& path, std::string_view kind);
 
 }  // namespace vort

@@ -166,7 +166,7 @@ auto Parts::read_from(const std::string& path, const PartTitle& title, Parse par
     try {
         return parse(payload);
     } catch (const MalformedBytes&) {
-        refuse_payload(path);
+        refuse_payload(path, title.kind);
     }
 }
 

@@ -412,7 +412,7 @@ class Parts(unittest.TestCase):
             (["plan", "--bfile", "st\udcffdy", "--out", "x", "--tasks", "2"], 3, "is not UTF-8"),
             (["plan", "--extend", "cut", "--permutations", "12", "--best-m", "3"], 3,
              "--best-m 3 was given"),
-            (["run", *BED, "--out", "cut"], 3, "a plan of vort plan is there"),
+            (["run", *BED, "--out", "cut"], 3, "is a plan of vort plan; .* or replace it by --force"),
             (["run", "--resume", "--out", "cut"], 3, "is a plan of vort plan"),
             (["run", "--resume", "--out", "new"], 2, "new: no run was begun there, or it has ended"),
         ]:

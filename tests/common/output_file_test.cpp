@@ -80,6 +80,7 @@ TEST(WholeFile, HasItsNameWhenAllOfItIsWritten) {
     EXPECT_TRUE(first->write("first"));
     WholeFile second("shared", told.diagnostics);
     EXPECT_FALSE(first->take_name());
+    first.reset();
     EXPECT_EQ(told.take(), "shared: could not be replaced (Stale file handle)\n");
     EXPECT_TRUE(second.write("second") && second.take_name());
     EXPECT_EQ(read_file("shared"), "second");
